@@ -1,0 +1,37 @@
+#include "cli_common.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <sstream>
+
+namespace tessaline::cli {
+
+void printError(const std::string& message) { std::cerr << "tessaline: " << message << '\n'; }
+
+std::optional<std::string> readDocument(const std::string& file) {
+  if (file == "-") {
+    std::ostringstream contents;
+    contents << std::cin.rdbuf();
+    if (std::cin.bad()) {
+      printError("cannot read standard input");
+      return std::nullopt;
+    }
+    return contents.str();
+  }
+  std::ifstream in(file, std::ios::binary);
+  if (!in) {
+    printError("cannot read " + file + ": " + std::strerror(errno));
+    return std::nullopt;
+  }
+  std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  if (in.bad()) {
+    printError("cannot read " + file + ": " + std::strerror(errno));
+    return std::nullopt;
+  }
+  return text;
+}
+
+}  // namespace tessaline::cli

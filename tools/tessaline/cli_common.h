@@ -1,0 +1,20 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace tessaline::cli {
+
+// Exit statuses shared by every subcommand.
+inline constexpr int kExitOk = 0;
+inline constexpr int kExitNotFound = 1;
+inline constexpr int kExitUsage = 2;
+
+// The whole text of FILE, or of standard input when FILE is "-". On failure prints one line
+// "tessaline: cannot read FILE: reason" on standard error and returns nullopt.
+std::optional<std::string> readDocument(const std::string& file);
+
+// Prints "tessaline: MESSAGE" on standard error.
+void printError(const std::string& message);
+
+}  // namespace tessaline::cli
