@@ -28,3 +28,16 @@ format:
 
 clean:
 	@rm -rf $(BUILD) build-asan
+
+# Fuzzing (clang + libFuzzer): `make fuzz FUZZ_SECONDS=600`. New inputs accumulate in fuzz-corpus/
+# (ignored by git); crashes are written to build-fuzz/crashes/.
+FUZZ_SECONDS ?= 300
+.PHONY: fuzz
+fuzz: bootstrap
+	@CC=clang CXX=clang++ cmake -S . -B build-fuzz -DTESSALINE_FUZZ=ON -DTESSALINE_BUILD_TESTS=OFF \
+	  -DTESSALINE_BUILD_TOOLS=OFF -DTESSALINE_INSTALL=OFF -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+	@cmake --build build-fuzz --target tessaline_fuzz -j $(JOBS)
+	@mkdir -p fuzz-corpus build-fuzz/crashes
+	@build-fuzz/tessaline_fuzz -max_total_time=$(FUZZ_SECONDS) -max_len=65536 -timeout=10 \
+	  -rss_limit_mb=4096 -artifact_prefix=build-fuzz/crashes/ -dict=tests/fuzz/svg.dict \
+	  fuzz-corpus tests/fuzz/seeds
