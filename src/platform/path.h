@@ -46,7 +46,7 @@ class Path {
   // x axis toward the positive y axis) and turning by `delta`, with every point mapped through
   // `transform`. With a current point, a straight line to the arc's mapped start comes first;
   // otherwise the arc starts a new subpath. The arc is approximated by cubic Béziers of at most a
-  // quarter turn each.
+  // quarter turn each; a zero (or non-finite) delta adds only that line or move.
   void addRelativeArc(Point center, double radius, double startAngle, double delta,
                       const AffineTransform& transform);
 
@@ -83,9 +83,12 @@ class Path {
 };
 
 // The platform's closed shape outlines. The oval is the ellipse inscribed in `rect` (four cubic
-// quarter arcs). The rounded rectangle has all four corners rounded by `cornerRadius`, clamped to
-// half the shorter side; a radius of 0 or less gives sharp corners. A rectangle with a negative
-// width or height is normalised first, as the platform's rectangle functions do.
+// quarter arcs), starting at the right-most point and running through increasing angle (toward
+// +y first). The rounded rectangle has all four corners rounded by `cornerRadius`, clamped to
+// half the shorter side; a radius of 0 or less gives sharp corners. It starts where the top edge
+// leaves the top-left corner (at the top-left corner itself when sharp) and also runs through
+// increasing angle. A rectangle with a negative width or height is normalised first, as the
+// platform's rectangle functions do.
 Path makeOvalPath(const Rect& rect);
 Path makeRoundedRectPath(const Rect& rect, double cornerRadius);
 
