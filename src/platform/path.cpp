@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <numbers>
 
 namespace tessaline {
 
@@ -60,7 +61,7 @@ void Path::addRelativeArc(Point center, double radius, double startAngle, double
 
   // At most a quarter turn per cubic keeps the radial error below 3e-4 of the radius. The small
   // slack stops a sweep that is a quarter turn plus rounding noise from splitting in two.
-  constexpr double kQuarterTurn = M_PI / 2;
+  constexpr double kQuarterTurn = std::numbers::pi / 2;
   const double quarters = std::ceil(std::fabs(delta) / kQuarterTurn - 1e-9);
   const int segments = std::max(1, static_cast<int>(quarters));
   const double step = delta / segments;

@@ -59,11 +59,22 @@ TEST(PathComponent, ReturnsThePartialOutlineWithTheError) {
   EXPECT_EQ(empty.message, "SVG must start with m or M");
 }
 
-TEST(RectComponent, NeedsWidthAndHeight) {
-  expectMissing(RectComponent("r", kNoAttributes, 0, 0, 10, std::nullopt, 0, 0).getDrawPath(),
-                "Missing Properties");
-  expectMissing(RectComponent("r", kNoAttributes, 0, 0, std::nullopt, 10, 0, 0).getDrawPath(),
-                "Missing Properties");
+TEST(BasicShapes, MissingValuesGiveNoOutlineAndAMessage) {
+  const std::optional<float> none;
+  const std::string m = "Missing Properties";
+  expectMissing(RectComponent("r", kNoAttributes, 0, 0, 10, none, 0, 0).getDrawPath(), m);
+  expectMissing(RectComponent("r", kNoAttributes, 0, 0, none, 10, 0, 0).getDrawPath(), m);
+  expectMissing(CircleComponent("c", kNoAttributes, 1, 2, none).getDrawPath(), m);
+  expectMissing(CircleComponent("c", kNoAttributes, 1, none, 3).getDrawPath(), m);
+  expectMissing(CircleComponent("c", kNoAttributes, none, 2, 3).getDrawPath(), m);
+  expectMissing(EllipseComponent("e", kNoAttributes, 1, 2, 3, none).getDrawPath(), m);
+  expectMissing(EllipseComponent("e", kNoAttributes, 1, 2, none, 4).getDrawPath(), m);
+  expectMissing(EllipseComponent("e", kNoAttributes, 1, none, 3, 4).getDrawPath(), m);
+  expectMissing(EllipseComponent("e", kNoAttributes, none, 2, 3, 4).getDrawPath(), m);
+  // The polygon's own spelling, with a lower-case p.
+  PolygonComponent polygon("t", "5 5", kNoAttributes);
+  polygon.points.clear();
+  expectMissing(polygon.getDrawPath(), "Missing properties");
 }
 
 TEST(RectComponent, RoundsAllCornersByRxAlone) {
@@ -71,15 +82,6 @@ TEST(RectComponent, RoundsAllCornersByRxAlone) {
   expectOutlineOnly(rect.getDrawPath(), makeRoundedRectPath({1, 2, 10, 20}, 3));
   EXPECT_EQ(outline(RectComponent("r", kNoAttributes, 1, 2, 10, 20, 0, 5).getDrawPath()),
             "M 1 2 L 11 2 L 11 22 L 1 22 Z");
-}
-
-TEST(CircleComponent, NeedsCentreAndRadius) {
-  expectMissing(CircleComponent("c", kNoAttributes, 1, 2, std::nullopt).getDrawPath(),
-                "Missing Properties");
-  expectMissing(CircleComponent("c", kNoAttributes, 1, std::nullopt, 3).getDrawPath(),
-                "Missing Properties");
-  expectMissing(CircleComponent("c", kNoAttributes, std::nullopt, 2, 3).getDrawPath(),
-                "Missing Properties");
 }
 
 TEST(CircleComponent, IsTheOvalOfItsBoundingSquare) {
@@ -94,15 +96,6 @@ TEST(CircleComponent, IsTheOvalOfItsBoundingSquare) {
   EXPECT_EQ(*small.path,
             makeOvalPath({static_cast<double>(1.0f - 0.1f), static_cast<double>(1.0f - 0.1f),
                           static_cast<double>(0.1f + 0.1f), static_cast<double>(0.1f + 0.1f)}));
-}
-
-TEST(EllipseComponent, NeedsAllFourValues) {
-  expectMissing(EllipseComponent("e", kNoAttributes, 1, 2, 3, std::nullopt).getDrawPath(),
-                "Missing Properties");
-  expectMissing(EllipseComponent("e", kNoAttributes, 1, 2, std::nullopt, 4).getDrawPath(),
-                "Missing Properties");
-  expectMissing(EllipseComponent("e", kNoAttributes, 1, std::nullopt, 3, 4).getDrawPath(),
-                "Missing Properties");
 }
 
 TEST(EllipseComponent, IsTheOvalOfItsBoundingBox) {
@@ -146,12 +139,6 @@ TEST(PolygonComponent, OutlineIsClosed) {
   EXPECT_FALSE(result.fillRule);
   EXPECT_EQ(outline(PolygonComponent("t", "5 5", kNoAttributes).getDrawPath()), "M 5 5 Z");
   EXPECT_EQ(PolygonComponent(std::nullopt, "5 5", kNoAttributes).id, "");
-}
-
-TEST(PolygonComponent, EmptyPointListReportsTheLowerCaseMessage) {
-  PolygonComponent polygon("t", "5 5", kNoAttributes);
-  polygon.points.clear();
-  expectMissing(polygon.getDrawPath(), "Missing properties");
 }
 
 using PolygonComponentDeathTest = ::testing::Test;
