@@ -26,7 +26,14 @@ std::optional<std::string> readDocument(const std::string& file) {
     printError("cannot read " + file + ": " + std::strerror(errno));
     return std::nullopt;
   }
-  std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  std::string text;
+  try {
+    text.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+  } catch (const std::ios_base::failure&) {
+    // The stream buffer throws on a failed read, such as reading a directory.
+    printError("cannot read " + file + ": " + std::strerror(errno));
+    return std::nullopt;
+  }
   if (in.bad()) {
     printError("cannot read " + file + ": " + std::strerror(errno));
     return std::nullopt;

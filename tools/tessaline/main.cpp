@@ -12,6 +12,8 @@ int main(int argc, char** argv) {
   app.require_subcommand(1);
 
   int exitCode = tessaline::cli::kExitOk;
+  tessaline::cli::addListCommand(app, exitCode);
+  tessaline::cli::addInspectCommand(app, exitCode);
 
   try {
     app.parse(argc, argv);

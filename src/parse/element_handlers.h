@@ -1,0 +1,42 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "parse/svg_component.h"
+#include "parse/svg_event.h"
+#include "style/presentation_attributes.h"
+
+namespace tessaline {
+
+class SVGDefinition;
+
+// The element kinds a definition understands; any other start tag is an unknown component.
+enum class ElementKind { Group, Path, Ellipse, Circle, Rect, Polygon, Line, Use, ClipPath, Defs };
+
+// The kind of a start tag whose name has already been folded to lower case.
+std::optional<ElementKind> elementKindForName(std::string_view foldedName);
+
+// Handlers for one start tag. Each appends to `definition.errorMessages` one message per
+// attribute it cannot place (in attribute order), then at most one invalid-parameters message.
+
+// A shape or `use` element (kinds Path to Use): its component, styled by a copy of `inherited`
+// with the tag's presentation attributes applied; nullptr when the element is invalid (a message
+// was added) or, for a path without data, silently dropped.
+std::shared_ptr<SVGComponent> buildComponent(ElementKind kind, const SVGEvent& event,
+                                             const PresentationAttributes* inherited,
+                                             SVGDefinition& definition);
+
+// A `g` element: the attribute set its children inherit (a copy of `inherited` with the tag's
+// presentation attributes applied). The group's own id is ignored.
+PresentationAttributes readGroupAttributes(const SVGEvent& event,
+                                           const PresentationAttributes* inherited,
+                                           SVGDefinition& definition);
+
+// A `clipPath` element: its id ("" when it has none). Every other attribute is reported, the
+// presentation attributes included, since a clip path carries no styling of its own.
+std::string readClipPathId(const SVGEvent& event, SVGDefinition& definition);
+
+}  // namespace tessaline

@@ -1,0 +1,54 @@
+#include "platform/xml_reader.h"
+
+#include <expat.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstddef>
+#include <memory>
+#include <type_traits>
+
+namespace tessaline {
+namespace {
+
+struct ParserDeleter {
+  void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
+};
+using ParserHandle = std::unique_ptr<std::remove_pointer_t<XML_Parser>, ParserDeleter>;
+
+void XMLCALL onStart(void* userData, const XML_Char* name, const XML_Char** attributes) {
+  XmlReaderCallbacks::Attributes list;
+  for (const XML_Char** entry = attributes; entry[0] != nullptr; entry += 2) {
+    list.emplace_back(entry[0], entry[1]);
+  }
+  static_cast<XmlReaderCallbacks*>(userData)->start(name, std::move(list));
+}
+
+void XMLCALL onEnd(void* userData, const XML_Char* name) {
+  static_cast<XmlReaderCallbacks*>(userData)->end(name);
+}
+
+}  // namespace
+
+bool readXml(std::string_view text, XmlReaderCallbacks& callbacks) {
+  // A null encoding and no namespace separator: names arrive exactly as written, "x:rect" included.
+  ParserHandle parser(XML_ParserCreate(nullptr));
+  if (!parser) return false;
+  XML_SetUserData(parser.get(), &callbacks);
+  XML_SetElementHandler(parser.get(), onStart, onEnd);
+
+  // The document is always handed over whole. XML_Parse takes an int length, so only a text past
+  // INT_MAX bytes is split, and the final flag marks its last piece.
+  do {
+    const std::size_t length = std::min<std::size_t>(text.size(), INT_MAX);
+    const bool isFinal = length == text.size();
+    if (XML_Parse(parser.get(), text.data(), static_cast<int>(length),
+                  isFinal ? XML_TRUE : XML_FALSE) != XML_STATUS_OK) {
+      return false;
+    }
+    text.remove_prefix(length);
+  } while (!text.empty());
+  return true;
+}
+
+}  // namespace tessaline

@@ -1,0 +1,80 @@
+#include "platform/xml_reader.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace tessaline {
+namespace {
+
+// Writes each event as one line: "+name a=1 b=2" for a start, "-name" for an end.
+class Transcript final : public XmlReaderCallbacks {
+ public:
+  void start(std::string_view name, Attributes attributes) override {
+    std::string line = "+" + std::string(name);
+    for (const auto& [key, value] : attributes) line += " " + key + "=" + value;
+    lines.push_back(line);
+  }
+  void end(std::string_view name) override { lines.push_back("-" + std::string(name)); }
+
+  std::vector<std::string> lines;
+};
+
+using Lines = std::vector<std::string>;
+
+TEST(XmlReader, ReportsElementsWithNamesAndAttributesAsWritten) {
+  Transcript transcript;
+  ASSERT_TRUE(readXml(
+      "<?xml version=\"1.0\"?>\n<!-- note --><svg xmlns=\"http://www.w3.org/2000/svg\" "
+      "xmlns:xlink=\"http://www.w3.org/1999/xlink\"><x:Rect Z=\"1\" a=\"2\" m='3'/>text<?pi x?>"
+      "<use xlink:href=\"#a\" FILL=\"Red\"></use></svg>",
+      transcript));
+  EXPECT_EQ(
+      transcript.lines,
+      (Lines{"+svg xmlns=http://www.w3.org/2000/svg xmlns:xlink=http://www.w3.org/1999/xlink",
+             "+x:Rect Z=1 a=2 m=3", "-x:Rect", "+use xlink:href=#a FILL=Red", "-use", "-svg"}));
+}
+
+TEST(XmlReader, ExpandsReferencesInAttributeValues) {
+  Transcript transcript;
+  ASSERT_TRUE(readXml("<a v=\"&lt;&amp;&#x41;&#66;&quot;\" w=\"x&#10;y\"/>", transcript));
+  EXPECT_EQ(transcript.lines, (Lines{"+a v=<&AB\" w=x\ny", "-a"}));
+}
+
+TEST(XmlReader, FailsOnMalformedDocumentsAfterReportingWhatCameBefore) {
+  struct Case {
+    const char* text;
+    Lines before;
+  };
+  const Case cases[] = {
+      {"", {}},
+      {"   ", {}},
+      {"<svg><g>", {"+svg", "+g"}},
+      {"<svg></g>", {"+svg"}},
+      {"<a/><b/>", {"+a", "-a"}},
+      {"<a x=\"1\" x=\"2\"/>", {}},
+      {"<a>&undefined;</a>", {"+a"}},
+      {"<a>\xff</a>", {"+a"}},
+      {"plain text", {}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    Transcript transcript;
+    EXPECT_FALSE(readXml(c.text, transcript));
+    EXPECT_EQ(transcript.lines, c.before);
+  }
+}
+
+TEST(XmlReader, HandlesDeepNestingWithoutRecursion) {
+  constexpr int kDepth = 100000;
+  std::string text;
+  for (int i = 0; i < kDepth; ++i) text += "<g>";
+  for (int i = 0; i < kDepth; ++i) text += "</g>";
+  Transcript transcript;
+  ASSERT_TRUE(readXml(text, transcript));
+  EXPECT_EQ(transcript.lines.size(), 2u * kDepth);
+}
+
+}  // namespace
+}  // namespace tessaline
