@@ -1,6 +1,7 @@
 #include "platform/raster_context.h"
 
 #include "platform/cairo_raster_context.h"
+#include "platform/raster/native_raster_context.h"
 
 namespace tessaline {
 
@@ -8,6 +9,8 @@ std::unique_ptr<RasterContext> makeRasterContext(RasterBackend backend, int widt
   switch (backend) {
     case RasterBackend::Cairo:
       return makeCairoRasterContext(width, height);
+    case RasterBackend::Native:
+      return makeNativeRasterContext(width, height);
   }
   return makeCairoRasterContext(width, height);
 }

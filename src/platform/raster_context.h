@@ -37,7 +37,7 @@ class RasterContext {
   virtual Image image() const = 0;
 };
 
-enum class RasterBackend { Cairo };
+enum class RasterBackend { Cairo, Native };
 
 std::unique_ptr<RasterContext> makeRasterContext(RasterBackend backend, int width, int height);
 

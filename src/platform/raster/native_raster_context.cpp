@@ -1,0 +1,82 @@
+#include "platform/raster/native_raster_context.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/raster/curve_flattener.h"
+#include "platform/raster/solid_painter.h"
+
+namespace tessaline {
+namespace {
+
+Rect toRect(const PixelBox& box) {
+  return {static_cast<double>(box.x0), static_cast<double>(box.y0),
+          static_cast<double>(box.width()), static_cast<double>(box.height())};
+}
+
+}  // namespace
+
+NativeRasterContext::NativeRasterContext(int width, int height)
+    : width_(std::max(width, 0)),
+      height_(std::max(height, 0)),
+      pixels_(static_cast<std::size_t>(width_) * height_, 0),
+      clips_(width_, height_),
+      rasterizer_(width_, height_) {}
+
+void NativeRasterContext::save() {
+  clips_.save();
+}
+
+void NativeRasterContext::restore() {
+  clips_.restore();
+}
+
+void NativeRasterContext::clip(const Path& path) {
+  const PixelBox& box = clips_.box();
+  if (box.empty()) return;
+  flattenPath(path, flat_, toRect(box));  // a path that is not finite leaves flat_ empty
+  rasterizer_.begin(box);
+  rasterizer_.addPath(flat_);
+  clips_.intersect(rasterizer_);
+}
+
+void NativeRasterContext::fill(const Path& path, FillRule rule, const Color& color) {
+  if (clips_.box().empty()) return;
+  if (!flattenPath(path, flat_, toRect(clips_.box()))) return;
+  paint(rule, flat_, color);
+}
+
+void NativeRasterContext::stroke(const Path& path, const StrokeStyle& style, const Color& color) {
+  if (!std::isfinite(style.width) || !std::isfinite(style.miterLimit) || !(style.width > 0)) {
+    return;
+  }
+  if (clips_.box().empty()) return;
+  if (!flattenPath(path, flat_)) return;
+  stroker_.stroke(flat_, style, outline_);
+  paint(FillRule::Winding, outline_, color);
+}
+
+void NativeRasterContext::paint(FillRule rule, const FlatPath& shape, const Color& color) {
+  const PremultipliedPixel source = premultiply(color);
+  if (alphaOf(source) == 0) return;  // premultiplied, so every channel is 0: nothing changes
+  rasterizer_.begin(clips_.box());
+  rasterizer_.addPath(shape);
+  SolidPainter painter(pixels_.data(), width_, source, clips_.mask());
+  rasterizer_.sweep(rule, painter);
+}
+
+Image NativeRasterContext::image() const {
+  Image out(width_, height_);
+  std::uint8_t* rgba = out.bytes().data();
+  for (PremultipliedPixel p : pixels_) {
+    if (p != 0) unpremultiply(p, rgba);
+    rgba += 4;
+  }
+  return out;
+}
+
+std::unique_ptr<RasterContext> makeNativeRasterContext(int width, int height) {
+  return std::make_unique<NativeRasterContext>(width, height);
+}
+
+}  // namespace tessaline

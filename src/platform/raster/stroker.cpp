@@ -1,0 +1,226 @@
+#include "platform/raster/stroker.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "platform/raster/curve_flattener.h"
+
+namespace tessaline {
+namespace {
+
+// Points closer than this are one point: a direction measured over a shorter distance would be
+// mostly rounding noise.
+constexpr double kSamePointDistance = 1e-6;
+
+// A round join or cap never uses more chords than this per full turn; only strokes thousands of
+// pixels wide reach it.
+constexpr int kMaxArcSegmentsPerTurn = 1024;
+
+Point add(Point a, Point b) {
+  return {a.x + b.x, a.y + b.y};
+}
+Point sub(Point a, Point b) {
+  return {a.x - b.x, a.y - b.y};
+}
+Point scale(Point a, double s) {
+  return {a.x * s, a.y * s};
+}
+// The left normal: the direction turned a quarter toward positive y.
+Point normal(Point d) {
+  return {-d.y, d.x};
+}
+
+}  // namespace
+
+void Stroker::stroke(const FlatPath& path, const StrokeStyle& style, FlatPath& out) {
+  out.clear();
+  halfWidth_ = style.width / 2;
+  miterLimit_ = style.miterLimit;
+  cap_ = style.cap;
+  join_ = style.join;
+  // A chord spanning angle a around radius r strays r·(1 - cos(a/2)) from the arc.
+  const double minStep = 2 * std::numbers::pi / kMaxArcSegmentsPerTurn;
+  arcStep_ = halfWidth_ > kFlatteningTolerance
+                 ? std::max(minStep, 2 * std::acos(1 - kFlatteningTolerance / halfWidth_))
+                 : std::numbers::pi / 2;
+  for (const FlatContour& contour : path.contours()) strokeContour(path, contour, out);
+}
+
+void Stroker::strokeContour(const FlatPath& path, const FlatContour& contour, FlatPath& out) {
+  vertices_.clear();
+  smooth_.clear();
+  for (std::uint32_t i = contour.begin; i < contour.end; ++i) {
+    const Point p = path.points()[i];
+    const bool smooth = path.smooth()[i] != 0;
+    if (!vertices_.empty() &&
+        std::hypot(p.x - vertices_.back().x, p.y - vertices_.back().y) <= kSamePointDistance) {
+      smooth_.back() = smooth_.back() && smooth;
+      continue;
+    }
+    vertices_.push_back(p);
+    smooth_.push_back(smooth);
+  }
+  if (contour.closed && vertices_.size() > 1 &&
+      std::hypot(vertices_.back().x - vertices_.front().x,
+                 vertices_.back().y - vertices_.front().y) <= kSamePointDistance) {
+    vertices_.pop_back();
+    smooth_.pop_back();
+  }
+
+  const std::size_t n = vertices_.size();
+  if (n == 0) return;
+  if (n == 1) {
+    const bool hasSegment = contour.end - contour.begin > 1 || contour.closed;
+    if (hasSegment && cap_ == LineCap::Round) addDot(vertices_[0], out);
+    return;
+  }
+
+  const std::size_t segments = contour.closed ? n : n - 1;
+  directions_.resize(segments);
+  lengths_.resize(segments);
+  for (std::size_t i = 0; i < segments; ++i) {
+    const Point d = sub(vertices_[(i + 1) % n], vertices_[i]);
+    const double length = std::hypot(d.x, d.y);
+    directions_[i] = scale(d, 1 / length);
+    lengths_[i] = length;
+  }
+
+  if (contour.closed) {
+    addClosedSide(true, out);
+    addClosedSide(false, out);
+  } else {
+    addOpenSide(true, out);
+    addOpenSide(false, out);
+    out.close();
+  }
+}
+
+// The left offset of a closed subpath, forward or (the right side) backward, as one contour.
+void Stroker::addClosedSide(bool forward, FlatPath& out) {
+  const std::size_t n = vertices_.size();
+  for (std::size_t k = 0; k < n; ++k) {
+    const std::size_t i = forward ? k : n - 1 - k;
+    // Segments before and after vertex i, in walking order.
+    const std::size_t before = forward ? (i + n - 1) % n : i;
+    const std::size_t after = forward ? i : (i + n - 1) % n;
+    const Point d1 = forward ? directions_[before] : scale(directions_[before], -1);
+    const Point d2 = forward ? directions_[after] : scale(directions_[after], -1);
+    if (k == 0) out.moveTo(add(vertices_[i], scale(normal(d1), halfWidth_)));
+    addJoin(vertices_[i], d1, d2, lengths_[before], lengths_[after], smooth_[i] != 0, out);
+  }
+  out.close();
+}
+
+// Half of the contour of an open subpath: the left offset from one end to the other, then the
+// cap at the far end. Called forward and then backward, which closes the loop.
+void Stroker::addOpenSide(bool forward, FlatPath& out) {
+  const std::size_t n = vertices_.size();
+  const auto vertex = [&](std::size_t k) { return vertices_[forward ? k : n - 1 - k]; };
+  const auto direction = [&](std::size_t k) {  // the k-th segment in walking order
+    return forward ? directions_[k] : scale(directions_[n - 2 - k], -1);
+  };
+  const auto length = [&](std::size_t k) { return lengths_[forward ? k : n - 2 - k]; };
+
+  const Point start = add(vertex(0), scale(normal(direction(0)), halfWidth_));
+  if (forward) {
+    out.moveTo(start);
+  } else {
+    out.lineTo(start);
+  }
+  for (std::size_t k = 1; k + 1 < n; ++k) {
+    addJoin(vertex(k), direction(k - 1), direction(k), length(k - 1), length(k),
+            smooth_[forward ? k : n - 1 - k] != 0, out);
+  }
+  const Point last = direction(n - 2);
+  out.lineTo(add(vertex(n - 1), scale(normal(last), halfWidth_)));
+  addCap(vertex(n - 1), last, out);
+}
+
+// Emits the offset outline around vertex `p` where the walk turns from direction d1 to d2 (unit
+// vectors), starting at the end of the incoming segment's offset and ending at the start of the
+// outgoing one's.
+void Stroker::addJoin(Point p, Point d1, Point d2, double length1, double length2, bool smooth,
+                      FlatPath& out) {
+  const Point n1 = scale(normal(d1), halfWidth_);
+  const Point n2 = scale(normal(d2), halfWidth_);
+  const double cross = d1.x * d2.y - d1.y * d2.x;
+  const double dot = d1.x * d2.x + d1.y * d2.y;
+
+  if (cross == 0 && dot > 0) {  // straight on
+    out.lineTo(add(p, n1));
+    return;
+  }
+  if (cross > 0) {
+    // Turning toward this side: the inner side of the corner. The two offsets cross a distance
+    // halfWidth·tan(φ/2) = halfWidth·sin φ / (1 + cos φ) before and after the corner (φ the
+    // turning angle). When that is at most half of either segment, the crossing itself is the
+    // outline's corner: nothing overlaps there, so no pixel counts the overlap twice, and the
+    // neighbouring corners cannot claim the same stretch of offset. Otherwise the outline goes
+    // round through the vertex, which covers both segments' bodies however short they are.
+    if (1 + dot > 0 && 2 * halfWidth_ * cross <= std::min(length1, length2) * (1 + dot)) {
+      out.lineTo(add(p, scale(add(n1, n2), 1 / (1 + dot))));
+      return;
+    }
+    out.lineTo(add(p, n1));
+    out.lineTo(p);
+    out.lineTo(add(p, n2));
+    return;
+  }
+
+  // The outer side of the corner.
+  const LineJoin join = smooth ? LineJoin::Round : join_;
+  if (join == LineJoin::Miter) {
+    // 1/sin(θ/2) <= limit with θ = π - φ is 2 <= limit²·(1 + cos φ).
+    if (miterLimit_ * miterLimit_ * (1 + dot) >= 2) {
+      out.lineTo(add(p, scale(add(n1, n2), 1 / (1 + dot))));
+      return;
+    }
+  }
+  out.lineTo(add(p, n1));
+  if (join == LineJoin::Round) addArc(p, n1, std::atan2(cross, dot), out);
+  out.lineTo(add(p, n2));
+}
+
+// Emits the cap at end point `p` of a segment running in direction `d`: the outline arrives at
+// p + normal and leaves at p - normal.
+void Stroker::addCap(Point p, Point d, FlatPath& out) {
+  const Point n = scale(normal(d), halfWidth_);
+  switch (cap_) {
+    case LineCap::Butt:
+      break;
+    case LineCap::Square: {
+      const Point ahead = scale(d, halfWidth_);
+      out.lineTo(add(add(p, n), ahead));
+      out.lineTo(add(sub(p, n), ahead));
+      break;
+    }
+    case LineCap::Round:
+      addArc(p, n, -std::numbers::pi, out);
+      break;
+  }
+  out.lineTo(sub(p, n));
+}
+
+// Emits the inner points of the arc around `center` that starts at center + from and turns by
+// `angle` (negative: from positive y toward positive x); the end points are the caller's.
+void Stroker::addArc(Point center, Point from, double angle, FlatPath& out) {
+  const int steps = static_cast<int>(std::ceil(std::abs(angle) / arcStep_));
+  if (steps < 2) return;
+  const double step = angle / steps;
+  const double c = std::cos(step), s = std::sin(step);
+  Point v = from;
+  for (int i = 1; i < steps; ++i) {
+    v = {v.x * c - v.y * s, v.x * s + v.y * c};
+    out.lineTo(add(center, v));
+  }
+}
+
+void Stroker::addDot(Point center, FlatPath& out) {
+  const Point from{halfWidth_, 0};
+  out.moveTo(add(center, from));
+  addArc(center, from, 2 * std::numbers::pi, out);
+  out.close();
+}
+
+}  // namespace tessaline
