@@ -7,5 +7,7 @@ namespace tessaline::cli {
 // Each subcommand registers itself on the app and stores its exit status in `exitCode` when run.
 void addListCommand(CLI::App& app, int& exitCode);
 void addInspectCommand(CLI::App& app, int& exitCode);
+void addRenderCommand(CLI::App& app, int& exitCode);
+void addRenderAllCommand(CLI::App& app, int& exitCode);
 
 }  // namespace tessaline::cli

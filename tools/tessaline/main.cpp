@@ -14,6 +14,8 @@ int main(int argc, char** argv) {
   int exitCode = tessaline::cli::kExitOk;
   tessaline::cli::addListCommand(app, exitCode);
   tessaline::cli::addInspectCommand(app, exitCode);
+  tessaline::cli::addRenderCommand(app, exitCode);
+  tessaline::cli::addRenderAllCommand(app, exitCode);
 
   try {
     app.parse(argc, argv);

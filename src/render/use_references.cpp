@@ -1,0 +1,65 @@
+// `use` elements: draw an element of the definition's `defs`, or another symbol of the document.
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "parse/svg_component.h"
+#include "parse/svg_definition.h"
+#include "tessaline/svg_file.h"
+
+namespace tessaline {
+namespace {
+
+constexpr const char* kNoLinkKeyFound = "No link key found";
+constexpr const char* kNoSvgFoundForHrefLink = "No SVG found for href link";
+constexpr const char* kErrorSeparator = ", ";
+
+std::optional<std::string> keyOf(const std::string& reference) {
+  // Only same-document references ("#id") name a key; "#" alone names nothing.
+  if (reference.size() > 1 && reference.front() == '#') return reference.substr(1);
+  return std::nullopt;
+}
+
+std::string joinErrors(const std::vector<std::string>& errors) {
+  std::string joined;
+  for (std::size_t i = 0; i < errors.size(); ++i) {
+    if (i > 0) joined += kErrorSeparator;
+    joined += errors[i];
+  }
+  return joined;
+}
+
+}  // namespace
+
+std::optional<std::string> UseComponent::getLinkKey() const {
+  if (auto key = keyOf(href)) return key;
+  return keyOf(hrefLink);
+}
+
+std::optional<std::string> UseComponent::draw(SVGCanvasProtocol& canvas,
+                                              const std::optional<Rect>& viewBox,
+                                              const SVGFile& svgFile, const SVGDefinition& forSvg,
+                                              const PresentationAttributes* joinAttributes) const {
+  const std::optional<std::string> key = getLinkKey();
+  if (!key) return kNoLinkKeyFound;
+
+  // An element of this definition's `defs` gets only the `use` element's own styling; what the
+  // `use` inherited stops here.
+  if (forSvg.svgSubDefinitions) {
+    for (const auto& component : forSvg.svgSubDefinitions->svgComponents) {
+      if (component->id && *component->id == *key) {
+        return component->draw(canvas, viewBox, svgFile, forSvg, &attributes);
+      }
+    }
+  }
+
+  // Another symbol is drawn with the merged styling, scaled from its box into this one.
+  const auto symbol = svgFile.symbolDefinitions.find(*key);
+  if (symbol != svgFile.symbolDefinitions.end() && symbol->second) {
+    const PresentationAttributes merged = PresentationAttributes::join(&attributes, joinAttributes);
+    return joinErrors(symbol->second->draw(canvas, svgFile, &merged, viewBox));
+  }
+  return kNoSvgFoundForHrefLink;
+}
+
+}  // namespace tessaline

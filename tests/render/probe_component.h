@@ -1,0 +1,37 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "parse/svg_component.h"
+
+namespace tessaline::testing {
+
+// A component that records the box, the styling and the owner of each draw call, and answers
+// with a fixed text.
+class ProbeComponent final : public SVGComponent {
+ public:
+  explicit ProbeComponent(std::optional<std::string> answer,
+                          std::optional<std::string> id = std::nullopt)
+      : SVGComponent(std::move(id)), answer_(std::move(answer)) {}
+
+  std::optional<std::string> draw(SVGCanvasProtocol&, const std::optional<Rect>& viewBox,
+                                  const SVGFile&, const SVGDefinition& forSvg,
+                                  const PresentationAttributes* joinAttributes) const override {
+    boxes.push_back(viewBox);
+    styles.push_back(joinAttributes ? std::optional(*joinAttributes) : std::nullopt);
+    owners.push_back(&forSvg);
+    return answer_;
+  }
+
+  // Drawing is const; the records are not part of what the probe draws.
+  mutable std::vector<std::optional<Rect>> boxes;
+  mutable std::vector<std::optional<PresentationAttributes>> styles;
+  mutable std::vector<const SVGDefinition*> owners;
+
+ private:
+  std::optional<std::string> answer_;
+};
+
+}  // namespace tessaline::testing
