@@ -183,16 +183,5 @@ TEST(SVGFile, ParsesASpriteWithHundredsOfSymbols) {
   }
 }
 
-TEST(SVGFile, MovesKeepTheTable) {
-  SVGFile file("<svg><symbol id='a'/></svg>");
-  file.url = "sprite.svg";
-  SVGFile moved(std::move(file));
-  EXPECT_EQ(keys(moved), (std::vector<std::string>{"a"}));
-  EXPECT_EQ(moved.url, "sprite.svg");
-  SVGFile assigned("<svg/>");
-  assigned = std::move(moved);
-  EXPECT_EQ(keys(assigned), (std::vector<std::string>{"a"}));
-}
-
 }  // namespace
 }  // namespace tessaline

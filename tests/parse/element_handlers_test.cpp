@@ -12,23 +12,6 @@ using testing::componentAs;
 using testing::Messages;
 using testing::parseSymbolBody;
 
-TEST(ElementHandlers, RecognisesElementNamesAfterFolding) {
-  EXPECT_EQ(elementKindForName("g"), ElementKind::Group);
-  EXPECT_EQ(elementKindForName("path"), ElementKind::Path);
-  EXPECT_EQ(elementKindForName("ellipse"), ElementKind::Ellipse);
-  EXPECT_EQ(elementKindForName("circle"), ElementKind::Circle);
-  EXPECT_EQ(elementKindForName("rect"), ElementKind::Rect);
-  EXPECT_EQ(elementKindForName("polygon"), ElementKind::Polygon);
-  EXPECT_EQ(elementKindForName("line"), ElementKind::Line);
-  EXPECT_EQ(elementKindForName("use"), ElementKind::Use);
-  EXPECT_EQ(elementKindForName("clippath"), ElementKind::ClipPath);
-  EXPECT_EQ(elementKindForName("defs"), ElementKind::Defs);
-  for (const char* other : {"Path", "symbol", "text", "polyline", "", "x:path", "paths", "a"}) {
-    SCOPED_TRACE(other);
-    EXPECT_EQ(elementKindForName(other), std::nullopt);
-  }
-}
-
 TEST(ElementHandlers, ReportEveryUnplacedAttributeWithTheElementsWording) {
   struct Case {
     const char* body;
