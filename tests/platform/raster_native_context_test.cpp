@@ -168,5 +168,34 @@ TEST(NativeRasterContext, DrawingThatCannotShowDrawsNothing) {
   expectPixel(context.image(), 5, 5, {255, 0, 0, 255});
 }
 
+TEST(NativeRasterContext, AbsurdGeometryStaysDefined) {
+  // Coordinates and widths far beyond any canvas must neither crash nor overflow; what little
+  // reaches the canvas is drawn.
+  const double huge = 1e300;
+  NativeRasterContext context(kSize, kSize);
+  Path far;
+  far.moveTo({-huge, -huge});
+  far.cubicTo({huge, -huge}, {huge, huge}, {-huge, huge});
+  far.close();
+  context.fill(far, FillRule::EvenOdd, kRed);
+  Path zigzag;
+  zigzag.moveTo({10, 10});
+  zigzag.lineTo({50, 12});
+  zigzag.lineTo({12, 14});
+  zigzag.quadTo({huge, 0}, {30, 60});
+  for (const double width : {1e-9, 1e9, huge}) {
+    for (const LineJoin join : {LineJoin::Miter, LineJoin::Round, LineJoin::Bevel}) {
+      context.stroke(zigzag, {width, huge, LineCap::Round, join}, kBlue.withAlpha(0.1));
+      context.stroke(zigzag, {width, -huge, LineCap::Square, join}, kBlue.withAlpha(0.1));
+    }
+  }
+  context.save();
+  context.clip(far);
+  context.fill(rectPath(-huge, -huge, 2 * huge, 2 * huge), FillRule::Winding, kBlue.withAlpha(0.5));
+  context.restore();
+  const Image image = context.image();
+  EXPECT_GT(image.pixel(32, 32).a, 0);
+}
+
 }  // namespace
 }  // namespace tessaline

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <vector>
@@ -16,21 +17,26 @@ namespace tessaline {
 // those heights weighted by where they lie across the cell (area). Summing along a row gives
 // every pixel's signed covered area, to which the fill rule is applied.
 //
+// Edges are first clipped and stored; the sweep then walks the shape in bands of kBandRows rows,
+// so the cells of one band stay in the first-level cache and no buffer grows with the canvas.
 // The cells of a row are stored densely as a running difference, so that a prefix sum along the
 // row yields the covered area directly, and a bit per cell marks the cells that hold anything;
 // runs between marked cells have constant coverage and are handed out as solid spans without
-// being visited. The sweep clears what it reads, so buffers are allocated once per canvas and
-// work stays proportional to the edges and to the spans drawn.
+// being visited. The sweep clears what it reads, so the buffers are reused from shape to shape.
 //
 // Coverage is exact for every pixel no two edges cross inside; where they do, the fill rule is
-// applied to the pixel's summed signed area (as every cell rasterizer does). Accumulation wraps
-// modulo 2^32, so even-odd stays exact and only a winding number beyond 16383 could be misread.
+// applied to the pixel's summed signed area (as every cell rasterizer does), so overlapping parts
+// of one shape count twice there and parts wound in opposite directions cancel. Accumulation
+// wraps modulo 2^32, so even-odd stays exact and only a winding number beyond 16383 could be
+// misread.
 class CoverageRasterizer {
  public:
+  static constexpr int kBandRows = 16;
+
   CoverageRasterizer(int width, int height);
 
-  // Starts a new shape, wanted only inside `box` (which lies within the canvas). Geometry outside
-  // the box costs one rejection test per edge.
+  // Starts a new shape, wanted only inside `box` (which lies within the canvas); drops whatever
+  // was added and not swept. Geometry outside the box costs one rejection test per edge.
   void begin(const PixelBox& box);
 
   // Adds one directed edge, in pixels. Edges of a shape may come in any order but must form
@@ -50,9 +56,9 @@ class CoverageRasterizer {
   template <typename Sink>
   void sweep(FillRule rule, Sink& sink) {
     if (rule == FillRule::EvenOdd) {
-      sweepRows<true>(sink);
+      sweepBands<true>(sink);
     } else {
-      sweepRows<false>(sink);
+      sweepBands<false>(sink);
     }
   }
 
@@ -72,86 +78,127 @@ class CoverageRasterizer {
   }
 
  private:
-  void addFixedLine(int x1, int y1, int x2, int y2);
-  void addRowPiece(int row, int xa, int ya, int xb, int yb);
-  void addVertical(int x, double y1, double y2);
+  // An edge clipped to the box, in 24.8 fixed point, y0 != y1, kept in its direction.
+  struct Edge {
+    int x0, y0, x1, y1;
+    int top() const { return y0 < y1 ? y0 : y1; }
+    int bottom() const { return y0 < y1 ? y1 : y0; }
+  };
 
-  // Records an edge piece of height `dy` inside cell (col, row) whose ends lie `fx1` and `fx2`
-  // (the sum given as `fxSum`, in 1/256 px) from the cell's left side.
-  void addCell(int row, int col, int dy, int fxSum) {
+  void addFixedEdge(int x0, int y0, int x1, int y1);
+  void addVertical(int x, double y0, double y1);
+  // Walks the part of `edge` within rows [firstRow, endRow) of the current band into its cells.
+  void renderEdge(const Edge& edge, int firstRow, int endRow);
+  void addRowPiece(int bandRow, int xa, int ya, int xb, int yb, double slope);
+
+  // Records an edge piece of height `dy` inside cell (col, bandRow) whose ends lie fx1 and fx2
+  // from the cell's left side (their sum given as `fxSum`, in 1/256 px).
+  void addCell(int bandRow, int col, int dy, int fxSum) {
     if (dy == 0) return;
-    std::uint32_t* cell = cells_.data() + static_cast<std::size_t>(row) * stride_ + col;
-    std::uint64_t* bits = touched_.data() + static_cast<std::size_t>(row) * words_;
+    std::uint32_t* cell = cells_.data() + static_cast<std::size_t>(bandRow) * stride_ + col;
+    std::uint64_t* bits = touched_.data() + static_cast<std::size_t>(bandRow) * words_;
     const int area = dy * fxSum;
     cell[0] += static_cast<std::uint32_t>(dy * 512 - area);
     bits[col >> 6] |= std::uint64_t{1} << (col & 63);
-    if (col < minCol_) minCol_ = col;
     if (area != 0) {
       cell[1] += static_cast<std::uint32_t>(area);
       bits[(col + 1) >> 6] |= std::uint64_t{1} << ((col + 1) & 63);
-      if (col + 1 > maxCol_) maxCol_ = col + 1;
-    } else if (col > maxCol_) {
-      maxCol_ = col;
     }
   }
 
+  // Sorts the edges by the band they start in, into order_ (bandStart_ indexes it by band).
+  void bucketEdges(int bands);
+
   template <bool EvenOdd, typename Sink>
-  void sweepRows(Sink& sink);
+  void sweepBands(Sink& sink);
+
+  template <bool EvenOdd, typename Sink>
+  void sweepRow(int y, int bandRow, Sink& sink);
+
+  void reset();
 
   int width_;
   int height_;
   int stride_;  // cells per row: the canvas width plus two, for pieces on the right border
   int words_;   // 64-bit words of touched bits per row
-  std::vector<std::uint32_t> cells_;
-  std::vector<std::uint64_t> touched_;
+  std::vector<std::uint32_t> cells_;    // kBandRows rows of cells
+  std::vector<std::uint64_t> touched_;  // kBandRows rows of bits
   std::vector<std::uint8_t> coverage_;  // one row of varying coverage handed to the sink
+  std::vector<Edge> edges_;
+  std::vector<std::uint32_t> order_;
+  std::vector<std::uint32_t> bandStart_;
+  std::vector<std::uint32_t> active_;
   PixelBox box_;
   int minRow_ = 0, maxRow_ = -1, minCol_ = 0, maxCol_ = -1;
   bool clippedRight_ = false;  // an edge ran right of the box: rows may stay covered up to x1
 };
 
 template <bool EvenOdd, typename Sink>
-void CoverageRasterizer::sweepRows(Sink& sink) {
+void CoverageRasterizer::sweepBands(Sink& sink) {
+  if (edges_.empty()) {
+    reset();
+    return;
+  }
+  const int bands = (maxRow_ - minRow_) / kBandRows + 1;
+  bucketEdges(bands);
+  active_.clear();
+  for (int band = 0; band < bands; ++band) {
+    const int firstRow = minRow_ + band * kBandRows;
+    const int endRow = std::min(firstRow + kBandRows, maxRow_ + 1);
+    for (std::uint32_t i = bandStart_[band]; i < bandStart_[band + 1]; ++i) {
+      active_.push_back(order_[i]);
+    }
+    // Render the band's part of every active edge, dropping edges that end within it.
+    std::size_t kept = 0;
+    for (std::uint32_t index : active_) {
+      const Edge& edge = edges_[index];
+      renderEdge(edge, firstRow, endRow);
+      if (edge.bottom() > endRow * 256) active_[kept++] = index;
+    }
+    active_.resize(kept);
+    for (int y = firstRow; y < endRow; ++y) sweepRow<EvenOdd>(y, y - firstRow, sink);
+  }
+  reset();
+}
+
+template <bool EvenOdd, typename Sink>
+void CoverageRasterizer::sweepRow(int y, int bandRow, Sink& sink) {
   const auto coverageOf = [](std::uint32_t area) {
     return EvenOdd ? evenOddCoverage(area) : nonZeroCoverage(area);
   };
   const int x1 = box_.x1;
   std::uint8_t* const coverage = coverage_.data();
-  for (int y = minRow_; y <= maxRow_; ++y) {
-    std::uint32_t* const row = cells_.data() + static_cast<std::size_t>(y) * stride_;
-    std::uint64_t* const bits = touched_.data() + static_cast<std::size_t>(y) * words_;
-    std::uint32_t area = 0;
-    int x = box_.x0;   // first pixel of the row not yet handed out
-    int runStart = x;  // the pending varying run is [runStart, x)
-    for (int w = 0; w < words_; ++w) {
-      std::uint64_t word = bits[w];
-      if (word == 0) continue;
-      bits[w] = 0;
-      do {
-        const int i = w * 64 + std::countr_zero(word);
-        word &= word - 1;
-        const std::uint32_t delta = row[i];
-        row[i] = 0;
-        if (i >= x1) continue;
-        if (i > x) {
-          if (x > runStart) sink.varying(y, runStart, x - runStart, coverage + runStart);
-          const std::uint8_t c = coverageOf(area);
-          if (c != 0) sink.solid(y, x, i - x, c);
-          runStart = i;
-        }
-        area += delta;
-        coverage[i] = coverageOf(area);
-        x = i + 1;
-      } while (word != 0);
-    }
-    if (x > runStart) sink.varying(y, runStart, x - runStart, coverage + runStart);
-    if (x < x1) {
-      const std::uint8_t c = coverageOf(area);
-      if (c != 0) sink.solid(y, x, x1 - x, c);
-    }
+  std::uint32_t* const row = cells_.data() + static_cast<std::size_t>(bandRow) * stride_;
+  std::uint64_t* const bits = touched_.data() + static_cast<std::size_t>(bandRow) * words_;
+  std::uint32_t area = 0;
+  int x = box_.x0;   // first pixel of the row not yet handed out
+  int runStart = x;  // the pending varying run is [runStart, x)
+  for (int w = 0; w < words_; ++w) {
+    std::uint64_t word = bits[w];
+    if (word == 0) continue;
+    bits[w] = 0;
+    do {
+      const int i = w * 64 + std::countr_zero(word);
+      word &= word - 1;
+      const std::uint32_t delta = row[i];
+      row[i] = 0;
+      if (i >= x1) continue;
+      if (i > x) {
+        if (x > runStart) sink.varying(y, runStart, x - runStart, coverage + runStart);
+        const std::uint8_t c = coverageOf(area);
+        if (c != 0) sink.solid(y, x, i - x, c);
+        runStart = i;
+      }
+      area += delta;
+      coverage[i] = coverageOf(area);
+      x = i + 1;
+    } while (word != 0);
   }
-  minRow_ = 0;
-  maxRow_ = -1;
+  if (x > runStart) sink.varying(y, runStart, x - runStart, coverage + runStart);
+  if (x < x1) {
+    const std::uint8_t c = coverageOf(area);
+    if (c != 0) sink.solid(y, x, x1 - x, c);
+  }
 }
 
 }  // namespace tessaline

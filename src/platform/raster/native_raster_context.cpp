@@ -19,7 +19,8 @@ Rect toRect(const PixelBox& box) {
 NativeRasterContext::NativeRasterContext(int width, int height)
     : width_(std::max(width, 0)),
       height_(std::max(height, 0)),
-      pixels_(static_cast<std::size_t>(width_) * height_, 0),
+      pixels_(static_cast<PremultipliedPixel*>(
+          std::calloc(static_cast<std::size_t>(width_) * height_ + 1, sizeof(PremultipliedPixel)))),
       clips_(width_, height_),
       rasterizer_(width_, height_) {}
 
@@ -59,18 +60,28 @@ void NativeRasterContext::stroke(const Path& path, const StrokeStyle& style, con
 void NativeRasterContext::paint(FillRule rule, const FlatPath& shape, const Color& color) {
   const PremultipliedPixel source = premultiply(color);
   if (alphaOf(source) == 0) return;  // premultiplied, so every channel is 0: nothing changes
+  if (!pixels_) return;
   rasterizer_.begin(clips_.box());
   rasterizer_.addPath(shape);
-  SolidPainter painter(pixels_.data(), width_, source, clips_.mask());
+  const PixelBox bounds = rasterizer_.bounds();
+  if (bounds.empty()) return;
+  painted_ = painted_.empty()
+                 ? bounds
+                 : PixelBox{std::min(painted_.x0, bounds.x0), std::min(painted_.y0, bounds.y0),
+                            std::max(painted_.x1, bounds.x1), std::max(painted_.y1, bounds.y1)};
+  SolidPainter painter(pixels_.get(), width_, source, clips_.mask());
   rasterizer_.sweep(rule, painter);
 }
 
 Image NativeRasterContext::image() const {
   Image out(width_, height_);
-  std::uint8_t* rgba = out.bytes().data();
-  for (PremultipliedPixel p : pixels_) {
-    if (p != 0) unpremultiply(p, rgba);
-    rgba += 4;
+  for (int y = painted_.y0; y < painted_.y1; ++y) {
+    const std::size_t offset = static_cast<std::size_t>(y) * width_;
+    const PremultipliedPixel* row = pixels_.get() + offset;
+    std::uint8_t* rgba = out.bytes().data() + offset * 4;
+    for (int x = painted_.x0; x < painted_.x1; ++x) {
+      if (row[x] != 0) unpremultiply(row[x], rgba + x * 4);
+    }
   }
   return out;
 }

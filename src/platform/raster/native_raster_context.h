@@ -1,7 +1,7 @@
 #pragma once
 
+#include <cstdlib>
 #include <memory>
-#include <vector>
 
 #include "platform/raster/clip_stack.h"
 #include "platform/raster/coverage_rasterizer.h"
@@ -40,9 +40,16 @@ class NativeRasterContext final : public RasterContext {
  private:
   void paint(FillRule rule, const FlatPath& shape, const Color& color);
 
+  struct Free {
+    void operator()(void* p) const { std::free(p); }
+  };
+
   int width_;
   int height_;
-  std::vector<PremultipliedPixel> pixels_;
+  // Zeroed by calloc, which for a canvas this size hands out untouched pages that the system
+  // zeroes only where they are written.
+  std::unique_ptr<PremultipliedPixel[], Free> pixels_;
+  PixelBox painted_;  // every pixel outside is still transparent
   ClipStack clips_;
   CoverageRasterizer rasterizer_;
   Stroker stroker_;
