@@ -59,17 +59,6 @@ Path triangle() {
 
 constexpr Color kOrange{1, 0.5, 0, 0.25};  // the colour's own alpha never reaches the context
 
-TEST(SVGCanvas, StartsAt256AndStoresItsSize) {
-  RecordingRasterContext context;
-  SVGCanvas canvas(context);
-  EXPECT_EQ(canvas.getWidth(), 256);
-  EXPECT_EQ(canvas.getHeight(), 256);
-  canvas.initCanvas(10, 1000);
-  EXPECT_EQ(canvas.getWidth(), 10);
-  EXPECT_EQ(canvas.getHeight(), 1000);
-  EXPECT_TRUE(context.calls.empty());
-}
-
 TEST(SVGCanvas, FillUsesTheRuleAndThePaintAlpha) {
   RecordingRasterContext context;
   SVGCanvas canvas(context);

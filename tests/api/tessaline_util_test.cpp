@@ -31,11 +31,6 @@ void expectPixel(const Image& image, int x, int y, Rgba expected) {
 
 constexpr Rgba kTransparent{0, 0, 0, 0};
 
-TEST(TessalineUtil, IsNeverEnabled) {
-  EXPECT_FALSE(TessalineUtil::isTessalineEnabled());
-  EXPECT_FALSE(TessalineUtil::isTessalineEnabled());
-}
-
 TEST(TessalineUtil, DrawsEachTopLevelComponentWithTheDefinitionsBoxAndNoStyling) {
   const SVGFile file("");
   auto svg = std::make_shared<SVGDefinition>();
