@@ -145,66 +145,62 @@ void CoverageRasterizer::bucketEdges(int bands) {
   }
 }
 
+// Walks an edge from its top to its bottom whichever way it points; `sign` restores its
+// direction, which is all that the cells need of it.
 void CoverageRasterizer::renderEdge(const Edge& edge, int firstRow, int endRow) {
-  const int bandTop = firstRow * kOne, bandBottom = endRow * kOne;
-  const int top = std::max(edge.top(), bandTop);
-  const int bottom = std::min(edge.bottom(), bandBottom);
+  const bool down = edge.y0 < edge.y1;
+  const int sign = down ? 1 : -1;
+  const int yTop = down ? edge.y0 : edge.y1, yBottom = down ? edge.y1 : edge.y0;
+  const int xTop = down ? edge.x0 : edge.x1, xBottom = down ? edge.x1 : edge.x0;
+  const int top = std::max(yTop, firstRow * kOne);
+  const int bottom = std::min(yBottom, endRow * kOne);
   if (top >= bottom) return;
-  // x at a row border, rounded to the nearest 1/256 px; x never goes below 0.
-  const double slope = static_cast<double>(edge.x1 - edge.x0) / (edge.y1 - edge.y0);
-  const double inverseSlope =
-      edge.x1 == edge.x0 ? 0 : static_cast<double>(edge.y1 - edge.y0) / (edge.x1 - edge.x0);
+  const double dxdy = static_cast<double>(xBottom - xTop) / (yBottom - yTop);
+  const double dydx = xBottom == xTop ? 0 : 1 / dxdy;
+  // x where the edge meets height y, rounded to the nearest 1/256 px (never below 0).
   const auto xAt = [&](int y) {
-    if (y == edge.y0) return edge.x0;
-    if (y == edge.y1) return edge.x1;
-    return static_cast<int>(edge.x0 + (y - edge.y0) * slope + 0.5);
+    return y == yBottom ? xBottom : static_cast<int>(xTop + (y - yTop) * dxdy + 0.5);
   };
-  if (edge.y0 < edge.y1) {
-    int y = top, x = xAt(top);
-    for (int row = top / kOne;; ++row) {
-      const int yEnd = std::min(bottom, (row + 1) * kOne);
-      const int xEnd = xAt(yEnd);
-      addRowPiece(row - firstRow, x, y - row * kOne, xEnd, yEnd - row * kOne, inverseSlope);
-      if (yEnd == bottom) return;
-      y = yEnd;
-      x = xEnd;
+  int row = top / kOne;
+  std::uint32_t* cells = cells_.data() + static_cast<std::size_t>(row - firstRow) * stride_;
+  std::uint64_t* bits = touched_.data() + static_cast<std::size_t>(row - firstRow) * words_;
+  int y = top - row * kOne;  // within the row
+  int x = top == yTop ? xTop : xAt(top);
+  for (;;) {
+    const int rowBottom = std::min(bottom - row * kOne, kOne);
+    const int xEnd = xAt(row * kOne + rowBottom);
+    const int col = x / kOne;
+    if (col == xEnd / kOne) {
+      addCell(cells, bits, col, sign * (rowBottom - y), (x - col * kOne) + (xEnd - col * kOne));
+    } else {
+      addRowPiece(cells, bits, x, y, xEnd, rowBottom, sign, dydx);
     }
-  } else {
-    int y = bottom, x = xAt(bottom);
-    for (int row = (bottom - 1) / kOne;; --row) {
-      const int yEnd = std::max(top, row * kOne);
-      const int xEnd = xAt(yEnd);
-      addRowPiece(row - firstRow, x, y - row * kOne, xEnd, yEnd - row * kOne, inverseSlope);
-      if (yEnd == top) return;
-      y = yEnd;
-      x = xEnd;
-    }
+    if (row * kOne + rowBottom == bottom) return;
+    ++row;
+    cells += stride_;
+    bits += words_;
+    y = 0;
+    x = xEnd;
   }
 }
 
-// One piece of an edge inside a row: from (xa, ya) to (xb, yb), x in fixed point across the
-// canvas, y in fixed point within the row (0...256); `slope` is the edge's dy/dx.
-void CoverageRasterizer::addRowPiece(int bandRow, int xa, int ya, int xb, int yb, double slope) {
-  const int colA = xa / kOne, colB = xb / kOne;
-  if (colA == colB) {
-    const int left = colA * kOne;
-    addCell(bandRow, colA, yb - ya, (xa - left) + (xb - left));
-    return;
-  }
-  // Walk the cells the piece crosses, finding the height at each cell border; the heights always
-  // sum to yb - ya, so the cover of the row is exact whatever the rounding of the borders.
-  int x = xa, y = ya;
+// A piece from (xa, ya) down to (xb, yb) inside one row, x in fixed point across the canvas and
+// y within the row (0...256), crossing at least one cell border. The heights found at the
+// borders always sum to yb - ya, so the row's cover is exact whatever their rounding.
+void CoverageRasterizer::addRowPiece(std::uint32_t* cells, std::uint64_t* bits, int xa, int ya,
+                                     int xb, int yb, int sign, double dydx) {
   const int step = xb > xa ? 1 : -1;
-  for (int col = colA;; col += step) {
+  const int colB = xb / kOne;
+  int x = xa, y = ya;
+  for (int col = xa / kOne;; col += step) {
     const int left = col * kOne;
     if (col == colB) {
-      addCell(bandRow, col, yb - y, (x - left) + (xb - left));
+      addCell(cells, bits, col, sign * (yb - y), (x - left) + (xb - left));
       return;
     }
     const int border = step > 0 ? left + kOne : left;
-    const int yBorder = std::clamp(static_cast<int>(ya + (border - xa) * slope + 0.5),
-                                   std::min(ya, yb), std::max(ya, yb));
-    addCell(bandRow, col, yBorder - y, (x - left) + (border - left));
+    const int yBorder = std::clamp(static_cast<int>(ya + (border - xa) * dydx + 0.5), y, yb);
+    if (yBorder != y) addCell(cells, bits, col, sign * (yBorder - y), (x - left) + (border - left));
     x = border;
     y = yBorder;
   }

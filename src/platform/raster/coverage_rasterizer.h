@@ -89,19 +89,20 @@ class CoverageRasterizer {
   void addVertical(int x, double y0, double y1);
   // Walks the part of `edge` within rows [firstRow, endRow) of the current band into its cells.
   void renderEdge(const Edge& edge, int firstRow, int endRow);
-  void addRowPiece(int bandRow, int xa, int ya, int xb, int yb, double slope);
+  // A piece of an edge inside one row that crosses cell borders; see renderEdge.
+  void addRowPiece(std::uint32_t* cells, std::uint64_t* bits, int xa, int ya, int xb, int yb,
+                   int sign, double dydx);
 
-  // Records an edge piece of height `dy` inside cell (col, bandRow) whose ends lie fx1 and fx2
-  // from the cell's left side (their sum given as `fxSum`, in 1/256 px).
-  void addCell(int bandRow, int col, int dy, int fxSum) {
-    if (dy == 0) return;
-    std::uint32_t* cell = cells_.data() + static_cast<std::size_t>(bandRow) * stride_ + col;
-    std::uint64_t* bits = touched_.data() + static_cast<std::size_t>(bandRow) * words_;
+  // Records an edge piece of height `dy` inside cell `col` of a row whose ends lie fx1 and fx2
+  // from the cell's left side (their sum given as `fxSum`, in 1/256 px). The cell keeps the
+  // piece's cover less its area, the next cell its area, so a prefix sum along the row gives
+  // each pixel's covered area.
+  static void addCell(std::uint32_t* cells, std::uint64_t* bits, int col, int dy, int fxSum) {
     const int area = dy * fxSum;
-    cell[0] += static_cast<std::uint32_t>(dy * 512 - area);
+    cells[col] += static_cast<std::uint32_t>(dy * 512 - area);
     bits[col >> 6] |= std::uint64_t{1} << (col & 63);
     if (area != 0) {
-      cell[1] += static_cast<std::uint32_t>(area);
+      cells[col + 1] += static_cast<std::uint32_t>(area);
       bits[(col + 1) >> 6] |= std::uint64_t{1} << ((col + 1) & 63);
     }
   }
