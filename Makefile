@@ -16,6 +16,19 @@ configure: bootstrap
 build: configure
 	@cmake --build $(BUILD) -j $(JOBS)
 
+# Renders the bundled example sprite into out/: one PNG per symbol with index.json (its error
+# texts), the contact sheet out/sheet.png and the HTML report out/report/index.html.
+DEMO_SPRITE ?= examples/sprite.svg
+.PHONY: demo
+demo: configure
+	@cmake --build $(BUILD) --target tessaline_cli -j $(JOBS)
+	@rm -rf out
+	@$(BUILD)/tessaline render-all $(DEMO_SPRITE) -o out
+	@$(BUILD)/tessaline sheet $(DEMO_SPRITE) -o out/sheet.png
+	@$(BUILD)/tessaline report $(DEMO_SPRITE) -o out/report
+	@echo "demo: $$(ls out/*.png | grep -vc '^out/sheet.png$$') symbol images and out/index.json in out/"
+	@echo "demo: contact sheet out/sheet.png; report out/report/index.html (open it in a browser)"
+
 test: build
 	@cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
 

@@ -9,5 +9,7 @@ void addListCommand(CLI::App& app, int& exitCode);
 void addInspectCommand(CLI::App& app, int& exitCode);
 void addRenderCommand(CLI::App& app, int& exitCode);
 void addRenderAllCommand(CLI::App& app, int& exitCode);
+void addSheetCommand(CLI::App& app, int& exitCode);
+void addReportCommand(CLI::App& app, int& exitCode);
 
 }  // namespace tessaline::cli

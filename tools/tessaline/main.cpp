@@ -16,6 +16,8 @@ int main(int argc, char** argv) {
   tessaline::cli::addInspectCommand(app, exitCode);
   tessaline::cli::addRenderCommand(app, exitCode);
   tessaline::cli::addRenderAllCommand(app, exitCode);
+  tessaline::cli::addSheetCommand(app, exitCode);
+  tessaline::cli::addReportCommand(app, exitCode);
 
   try {
     app.parse(argc, argv);

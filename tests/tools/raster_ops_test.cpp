@@ -1,0 +1,115 @@
+// Pixel helpers of the contact sheet: area-averaged resizing, compositing and the built-in font.
+#include "raster_ops.h"
+
+#include <gtest/gtest.h>
+
+#include "bitmap_font.h"
+
+namespace tessaline::cli::raster {
+namespace {
+
+Image solid(int width, int height, Rgba colour) {
+  Image image(width, height);
+  fillRect(image, 0, 0, width, height, colour);
+  return image;
+}
+
+TEST(ResizeBoxFiltered, AveragesCoveredAreaOnPremultipliedColour) {
+  {
+    SCOPED_TRACE("opaque red beside faint blue: colour weighted by alpha");
+    Image source(2, 1);
+    source.setPixel(0, 0, {255, 0, 0, 255});
+    source.setPixel(1, 0, {0, 0, 255, 51});
+    // Premultiplied mean: r 127.5, b 25.5, a 153; back to straight alpha: r 212.5, b 42.5.
+    const Rgba mean = resizeBoxFiltered(source, 1, 1).pixel(0, 0);
+    EXPECT_EQ(mean.a, 153);
+    EXPECT_NEAR(mean.r, 212, 1);
+    EXPECT_EQ(mean.g, 0);
+    EXPECT_NEAR(mean.b, 42, 1);
+  }
+  {
+    SCOPED_TRACE("a colour beside transparency keeps its colour and loses alpha");
+    Image source(4, 4);
+    fillRect(source, 0, 0, 1, 4, {10, 200, 30, 255});
+    const Image half = resizeBoxFiltered(source, 2, 2);
+    EXPECT_EQ(half.pixel(0, 0), (Rgba{10, 200, 30, 128}));
+    EXPECT_EQ(half.pixel(1, 1), (Rgba{0, 0, 0, 0}));
+  }
+  {
+    SCOPED_TRACE("a ratio that is not a whole number shares boundary pixels by coverage");
+    Image source(3, 1);
+    source.setPixel(0, 0, {255, 255, 255, 255});
+    source.setPixel(1, 0, {255, 255, 255, 255});
+    // The first destination pixel covers source pixels 0 and half of 1: fully opaque; the second
+    // covers half of 1 and all of 2 (transparent): one third opaque.
+    const Image out = resizeBoxFiltered(source, 2, 1);
+    EXPECT_EQ(out.pixel(0, 0).a, 255);
+    EXPECT_EQ(out.pixel(1, 0).a, 85);
+  }
+}
+
+TEST(ResizeBoxFiltered, KeepsUniformImagesUniformAtEverySize) {
+  const Rgba colour{40, 90, 200, 180};
+  const Image source = solid(256, 256, colour);
+  for (const int size : {1, 7, 80, 96, 255, 256, 300}) {
+    SCOPED_TRACE(size);
+    const Image out = resizeBoxFiltered(source, size, size);
+    ASSERT_EQ(out.width(), size);
+    ASSERT_EQ(out.height(), size);
+    for (int y = 0; y < size; y += std::max(1, size / 7)) {
+      for (int x = 0; x < size; x += std::max(1, size / 7)) {
+        ASSERT_EQ(out.pixel(x, y), colour) << x << "," << y;
+      }
+    }
+  }
+}
+
+TEST(CompositeOver, BlendsByAlphaAndSkipsTransparency) {
+  Image target = solid(3, 1, {255, 255, 255, 255});
+  Image source(3, 1);
+  source.setPixel(0, 0, {0, 0, 0, 0});
+  source.setPixel(1, 0, {255, 0, 0, 255});
+  source.setPixel(2, 0, {0, 0, 0, 102});  // 40 % black
+  compositeOver(target, source, 0, 0);
+  EXPECT_EQ(target.pixel(0, 0), (Rgba{255, 255, 255, 255}));
+  EXPECT_EQ(target.pixel(1, 0), (Rgba{255, 0, 0, 255}));
+  EXPECT_EQ(target.pixel(2, 0), (Rgba{153, 153, 153, 255}));
+}
+
+TEST(BitmapFont, FitsTextWithAnEllipsisAndReplacesWhatItCannotDraw) {
+  // Glyphs advance 6 pixels and the last needs no blank column: n glyphs take 6n - 1 pixels.
+  EXPECT_EQ(BitmapFont::textWidth("abc", 1), 17);
+  EXPECT_EQ(BitmapFont::textWidth("abc", 2), 34);
+  EXPECT_EQ(BitmapFont::textWidth("", 1), 0);
+  EXPECT_EQ(BitmapFont::fitText("abcdef", 35, 1), "abcdef");  // exactly fits
+  EXPECT_EQ(BitmapFont::fitText("abcdefg", 35, 1), "abcde\x7f");
+  EXPECT_EQ(BitmapFont::fitText("abcdefg", 35, 2), "ab\x7f");
+  EXPECT_EQ(BitmapFont::fitText("abc", 4, 1), "");
+  // A two-byte UTF-8 letter and a tab each become one '?'; the byte 0x7f cannot pose as the
+  // ellipsis.
+  EXPECT_EQ(BitmapFont::fitText("caf\xC3\xA9\tx\x7f", 100, 1), "caf??x?");
+}
+
+TEST(BitmapFont, DrawsGlyphsScaledAndClipsAtTheEdges) {
+  const Rgba ink{0, 0, 0, 255};
+  Image image(12, 14);
+  BitmapFont::drawText(image, 0, 0, "|", ink, 2);
+  // '|' is the middle column, all seven rows: x 4..5 at scale 2, y 0..13.
+  for (int y = 0; y < 14; ++y) {
+    EXPECT_EQ(image.pixel(4, y), ink) << y;
+    EXPECT_EQ(image.pixel(5, y), ink) << y;
+    EXPECT_EQ(image.pixel(3, y).a, 0) << y;
+    EXPECT_EQ(image.pixel(6, y).a, 0) << y;
+  }
+  // Drawn partly outside the image: only the visible part of 'H' lands, its bar on row 3.
+  Image corner(3, 2);
+  BitmapFont::drawText(corner, -2, -3, "Hello", ink, 1);
+  EXPECT_EQ(corner.pixel(0, 0), ink);
+  EXPECT_EQ(corner.pixel(1, 0), ink);
+  EXPECT_EQ(corner.pixel(2, 0), ink);  // right stem
+  EXPECT_EQ(corner.pixel(0, 1).a, 0);
+  EXPECT_EQ(corner.pixel(2, 1), ink);
+}
+
+}  // namespace
+}  // namespace tessaline::cli::raster
