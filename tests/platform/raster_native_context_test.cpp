@@ -46,6 +46,10 @@ TEST(RasterPixelOps, RoundingIsExact) {
       ASSERT_EQ((scaled >> 16) & 0xff, multiply255(b, b));
       ASSERT_EQ((scaled >> 8) & 0xff, multiply255(255 - b, b));
       ASSERT_EQ(scaled & 0xff, multiply255(a ^ b, b));
+      const PremultipliedPixel q = ~p;
+      const std::uint64_t pair = scalePixelPair(std::uint64_t{q} << 32 | p, b);
+      ASSERT_EQ(static_cast<PremultipliedPixel>(pair), scaled);
+      ASSERT_EQ(static_cast<PremultipliedPixel>(pair >> 32), scalePixel(q, b));
     }
   }
   // Un-premultiplying divides by alpha rounding to nearest, for every channel and alpha.

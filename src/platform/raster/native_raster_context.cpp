@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "platform/raster/curve_flattener.h"
 #include "platform/raster/solid_painter.h"
@@ -69,18 +70,32 @@ void NativeRasterContext::paint(FillRule rule, const FlatPath& shape, const Colo
                  ? bounds
                  : PixelBox{std::min(painted_.x0, bounds.x0), std::min(painted_.y0, bounds.y0),
                             std::max(painted_.x1, bounds.x1), std::max(painted_.y1, bounds.y1)};
-  SolidPainter painter(pixels_.get(), width_, source, clips_.mask());
-  rasterizer_.sweep(rule, painter);
+  if (clips_.mask() != nullptr) {
+    SolidPainter<true> painter(pixels_.get(), width_, source, clips_.mask());
+    rasterizer_.sweep(rule, painter);
+  } else {
+    SolidPainter<false> painter(pixels_.get(), width_, source, nullptr);
+    rasterizer_.sweep(rule, painter);
+  }
 }
 
 Image NativeRasterContext::image() const {
   Image out(width_, height_);
+  // Icons are mostly flat colour, so a pixel usually converts like its left neighbour.
+  PremultipliedPixel last = 0;
+  std::uint8_t converted[4] = {0, 0, 0, 0};
   for (int y = painted_.y0; y < painted_.y1; ++y) {
     const std::size_t offset = static_cast<std::size_t>(y) * width_;
     const PremultipliedPixel* row = pixels_.get() + offset;
     std::uint8_t* rgba = out.bytes().data() + offset * 4;
     for (int x = painted_.x0; x < painted_.x1; ++x) {
-      if (row[x] != 0) unpremultiply(row[x], rgba + x * 4);
+      const PremultipliedPixel p = row[x];
+      if (p == 0) continue;
+      if (p != last) {
+        unpremultiply(p, converted);
+        last = p;
+      }
+      std::memcpy(rgba + x * 4, converted, 4);
     }
   }
   return out;

@@ -29,6 +29,17 @@ inline PremultipliedPixel scalePixel(PremultipliedPixel p, std::uint32_t s) {
   return rb | ag;
 }
 
+// scalePixel on two pixels at once: each 16-bit lane holds one channel times s, below 2^16.
+inline std::uint64_t scalePixelPair(std::uint64_t pair, std::uint32_t s) {
+  constexpr std::uint64_t kLanes = 0x00ff00ff00ff00ffu;
+  constexpr std::uint64_t kHalf = 0x0080008000800080u;
+  std::uint64_t rb = (pair & kLanes) * s + kHalf;
+  rb = ((rb + ((rb >> 8) & kLanes)) >> 8) & kLanes;
+  std::uint64_t ag = ((pair >> 8) & kLanes) * s + kHalf;
+  ag = (ag + ((ag >> 8) & kLanes)) & ~kLanes;
+  return rb | ag;
+}
+
 // Porter-Duff source-over of premultiplied pixels. No channel can exceed 255: each source
 // channel is at most the source alpha, and the destination is scaled by what the alpha leaves.
 inline PremultipliedPixel sourceOver(PremultipliedPixel source, PremultipliedPixel destination) {

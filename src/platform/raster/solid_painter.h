@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -10,11 +9,13 @@
 namespace tessaline {
 
 // The span sink that paints a solid colour with source-over: each pixel receives the colour
-// scaled by its coverage, times the clip mask's value when there is a mask. Both the coverage
-// and the mask are 8-bit; they combine as the reference backend combines a mask with a clip.
+// scaled by its coverage, times the clip mask's value when there is one (`Masked`). Coverage and
+// mask are 8-bit and combine as the reference backend combines a shape's mask with a clip.
+// Whether there is a mask is a template argument so each loop below stays branch-light.
+template <bool Masked>
 class SolidPainter {
  public:
-  // `pixels` and `mask` (null when unclipped) are canvases of `stride` pixels per row.
+  // `pixels` and `mask` (null unless Masked) are canvases of `stride` pixels per row.
   SolidPainter(PremultipliedPixel* pixels, int stride, PremultipliedPixel color,
                const std::uint8_t* mask)
       : pixels_(pixels),
@@ -25,28 +26,51 @@ class SolidPainter {
 
   void solid(int y, int x, int length, std::uint8_t coverage) {
     PremultipliedPixel* out = row(y) + x;
-    if (mask_ != nullptr) {
+    if constexpr (Masked) {
       const std::uint8_t* mask = maskRow(y) + x;
-      for (int i = 0; i < length; ++i) blend(out[i], multiply255(coverage, mask[i]));
-      return;
+      int i = 0;
+      if (coverage == 255) {
+        // Inside a shape, a clip is mostly wholly in or wholly out; take eight pixels at a time
+        // where it is.
+        for (; i + 8 <= length; i += 8) {
+          std::uint64_t block;
+          std::memcpy(&block, mask + i, sizeof block);
+          if (block == 0) continue;
+          if (block == ~std::uint64_t{0}) {
+            SolidPainter<false>(pixels_, stride_, color_, nullptr).solid(y, x + i, 8, 255);
+            continue;
+          }
+          for (int k = i; k < i + 8; ++k) blend(out[k], mask[k]);
+        }
+      }
+      for (; i < length; ++i) blend(out[i], multiply255(coverage, mask[i]));
+    } else {
+      if (coverage == 255 && opaque_) {
+        fill(out, length);
+        return;
+      }
+      const PremultipliedPixel source = coverage == 255 ? color_ : scalePixel(color_, coverage);
+      const std::uint32_t keep = 255 - alphaOf(source);
+      const std::uint64_t sources = std::uint64_t{source} << 32 | source;
+      int i = 0;
+      for (; i + 2 <= length; i += 2) {
+        std::uint64_t pair;
+        std::memcpy(&pair, out + i, sizeof pair);
+        pair = sources + scalePixelPair(pair, keep);
+        std::memcpy(out + i, &pair, sizeof pair);
+      }
+      if (i < length) out[i] = source + scalePixel(out[i], keep);
     }
-    if (coverage == 255 && opaque_) {
-      fill(out, length);
-      return;
-    }
-    const PremultipliedPixel source = coverage == 255 ? color_ : scalePixel(color_, coverage);
-    const std::uint32_t keep = 255 - alphaOf(source);
-    for (int i = 0; i < length; ++i) out[i] = source + scalePixel(out[i], keep);
   }
 
   void varying(int y, int x, int length, const std::uint8_t* coverage) {
     PremultipliedPixel* out = row(y) + x;
-    if (mask_ != nullptr) {
+    if constexpr (Masked) {
       const std::uint8_t* mask = maskRow(y) + x;
       for (int i = 0; i < length; ++i) blend(out[i], multiply255(coverage[i], mask[i]));
-      return;
+    } else {
+      for (int i = 0; i < length; ++i) blend(out[i], coverage[i]);
     }
-    for (int i = 0; i < length; ++i) blend(out[i], coverage[i]);
   }
 
  private:
@@ -67,12 +91,11 @@ class SolidPainter {
   }
 
   void blend(PremultipliedPixel& pixel, std::uint32_t coverage) const {
-    if (coverage == 0) return;
-    if (coverage == 255 && opaque_) {
-      pixel = color_;
-      return;
+    if (coverage == 255) {
+      pixel = opaque_ ? color_ : sourceOver(color_, pixel);
+    } else if (coverage != 0) {
+      pixel = sourceOver(scalePixel(color_, coverage), pixel);
     }
-    pixel = sourceOver(coverage == 255 ? color_ : scalePixel(color_, coverage), pixel);
   }
 
   PremultipliedPixel* pixels_;
