@@ -153,11 +153,76 @@ constexpr LineCap kCaps[] = {LineCap::Butt, LineCap::Round, LineCap::Square};
 constexpr LineJoin kJoins[] = {LineJoin::Miter, LineJoin::Round, LineJoin::Bevel};
 constexpr double kLimits[] = {1, 1.5, 4, 10};
 
+// Hand-picked cases: degenerate subpaths, segments after a close, geometry far off the canvas,
+// whole and half pixels, and clips undone by restore.
+std::vector<Case> specialCases() {
+  std::vector<Case> cases;
+  const Color ink{0.2, 0.1, 0.6, 1};
+  cases.push_back({"dots", [=](RasterContext& c) {
+                     Path p;
+                     p.moveTo({20, 20});
+                     p.lineTo({20, 20});
+                     p.moveTo({60, 40});
+                     p.close();
+                     p.moveTo({90, 90});
+                     p.cubicTo({90, 90}, {90, 90}, {90, 90});
+                     p.moveTo({100, 20});  // a lone move draws nothing
+                     for (LineCap cap : kCaps) c.stroke(p, {11, 4, cap, LineJoin::Miter}, ink);
+                   }});
+  cases.push_back({"after-close", [=](RasterContext& c) {
+                     Path p;
+                     p.moveTo({20, 20});
+                     p.lineTo({100, 20});
+                     p.lineTo({100, 90});
+                     p.close();
+                     p.lineTo({30, 110});
+                     p.close();
+                     p.close();
+                     c.stroke(p, {6, 4, LineCap::Square, LineJoin::Miter}, ink);
+                   }});
+  cases.push_back({"far-away", [=](RasterContext& c) {
+                     Path p;
+                     // Within ±2^23 px, where cairo's 24.8 fixed point still holds them.
+                     p.moveTo({-1e6, 30});
+                     p.lineTo({1e6, 50});
+                     p.lineTo({60, 1e6});
+                     p.close();
+                     c.fill(p, FillRule::Winding, ink.withAlpha(0.7));
+                     Path q;
+                     q.moveTo({-1e5, -1e5});
+                     q.cubicTo({4e5, -2e5}, {200, 300}, {100, 100});
+                     c.stroke(q, {5, 4, LineCap::Round, LineJoin::Round}, ink);
+                   }});
+  cases.push_back(
+      {"pixel-grid", [=](RasterContext& c) {
+         c.fill(makeRoundedRectPath({10, 10, 40, 30}, 0), FillRule::Winding, ink);
+         c.fill(makeRoundedRectPath({60.5, 10.5, 40, 30.25}, 0), FillRule::Winding, ink);
+         c.stroke(makeRoundedRectPath({20, 60, 80, 50}, 0), {1, 4, LineCap::Butt, LineJoin::Miter},
+                  ink);
+         c.stroke(makeRoundedRectPath({20.5, 70.5, 60, 20}, 0),
+                  {1, 4, LineCap::Butt, LineJoin::Miter}, ink);
+       }});
+  cases.push_back(
+      {"clip-restore", [=](RasterContext& c) {
+         c.save();
+         c.clip(makeOvalPath({10, 10, 100, 60}));
+         c.save();
+         c.clip(makeRoundedRectPath({40.3, 0, 30, 128}, 0));
+         c.fill(makeRoundedRectPath({0, 0, 128, 128}, 0), FillRule::Winding, ink);
+         c.restore();
+         c.fill(makeOvalPath({0, 30, 128, 80}), FillRule::Winding, ink.withAlpha(0.4));
+         c.restore();
+         c.restore();  // one too many: ignored
+         c.stroke(makeOvalPath({20, 80, 90, 40}), {3, 4, LineCap::Butt, LineJoin::Miter}, ink);
+       }});
+  return cases;
+}
+
 // Fills with both rules, strokes with every cap and join at several widths and miter limits,
 // and nested clips, all of shapes that do not overlap themselves; strokes are at most as wide
 // as the smallest radius of the curves they follow.
 std::vector<Case> simpleCorpus() {
-  std::vector<Case> cases;
+  std::vector<Case> cases = specialCases();
   Generator g(20240611);
   for (int i = 0; i < 40; ++i) {
     const Path a = simpleShape(g), b = simpleShape(g);

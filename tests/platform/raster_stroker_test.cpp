@@ -112,6 +112,15 @@ TEST(RasterStroker, ClosedSubpathsJoinAtTheStartAndHaveNoCaps) {
   const CoverageGrid unjoined = strokeCoverage(open, style(10, LineCap::Butt));
   EXPECT_EQ(unjoined.area(), 50 * 50 - 30 * 30 - 25);
   EXPECT_EQ(unjoined.at(5, 5), 0);
+
+  // Closed along one line, the outline turns back at both ends (bevelled U-turns) and covers
+  // the segment once: edge pixels keep their partial coverage.
+  const CoverageGrid flat = strokeCoverage(polyline({{10, 20.25}, {30, 20.25}, {50, 20.25}}, true),
+                                           style(10, LineCap::Square));
+  EXPECT_EQ(flat.area(), 400);
+  EXPECT_EQ(flat.at(30, 15), 191);
+  EXPECT_EQ(flat.at(30, 25), 64);
+  EXPECT_EQ(flat.at(9, 20), 0);
 }
 
 TEST(RasterStroker, DegenerateSubpaths) {

@@ -13,6 +13,10 @@ namespace {
 // mostly rounding noise.
 constexpr double kSamePointDistance = 1e-6;
 
+// Directions whose sines differ by less than this lie on one line, to well below a pixel over
+// any length on the canvas.
+constexpr double kCollinearSine = 1e-9;
+
 // A round join or cap never uses more chords than this per full turn; only strokes thousands of
 // pixels wide reach it.
 constexpr int kMaxArcSegmentsPerTurn = 1024;
@@ -88,12 +92,22 @@ void Stroker::strokeContour(const FlatPath& path, const FlatContour& contour, Fl
 
   if (contour.closed) {
     addClosedSide(true, out);
-    addClosedSide(false, out);
+    // A closed subpath that never leaves one line turns back at its ends, so one side already
+    // runs all the way round; the other would only cover the same pixels a second time.
+    if (!collinear()) addClosedSide(false, out);
   } else {
     addOpenSide(true, out);
     addOpenSide(false, out);
     out.close();
   }
+}
+
+bool Stroker::collinear() const {
+  const Point d0 = directions_[0];
+  for (const Point& d : directions_) {
+    if (std::abs(d0.x * d.y - d0.y * d.x) > kCollinearSine) return false;
+  }
+  return true;
 }
 
 // The left offset of a closed subpath, forward or (the right side) backward, as one contour.

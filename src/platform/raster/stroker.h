@@ -15,8 +15,8 @@ namespace tessaline {
 // Each subpath becomes one contour (open subpaths: the left offset forward, the end cap, the left
 // offset of the reversed subpath, the start cap) or two (closed subpaths: the offsets of both
 // sides, each with a join at every vertex including the start, in opposite directions so the
-// inside of a ring stays empty). Every piece turns the same way around the stroked area, so where
-// pieces overlap the winding number only grows.
+// inside of a ring stays empty; one when all its points lie on a line). Every piece turns the same
+// way around the stroked area, so where pieces overlap the winding number only grows.
 //
 // Joins follow the platform: a miter is kept while miter length / stroke width = 1 / sin(θ/2) is
 // at most the miter limit (θ the angle between the segments), otherwise the corner is bevelled.
@@ -37,6 +37,7 @@ class Stroker {
 
  private:
   void strokeContour(const FlatPath& path, const FlatContour& contour, FlatPath& out);
+  bool collinear() const;
   void addClosedSide(bool forward, FlatPath& out);
   void addOpenSide(bool forward, FlatPath& out);
   void addJoin(Point p, Point d1, Point d2, double length1, double length2, bool smooth,
