@@ -153,6 +153,51 @@ TEST(RasterStroker, DegenerateSubpaths) {
   }
 }
 
+TEST(RasterStroker, ExactUTurnsGoRoundTheFront) {
+  // Exactly opposite directions give a cross product of +0 or -0; either way the round join
+  // must bulge forward, like a round cap, and leave no hole.
+  for (const bool closed : {false, true}) {
+    for (const Point tip : {Point{50, 20}, Point{10, 20}}) {
+      const Point other{60 - tip.x, 20};
+      SCOPED_TRACE(::testing::Message() << (closed ? "closed" : "open") << " tip " << tip.x);
+      const CoverageGrid grid = strokeCoverage(polyline({other, tip, other}, closed),
+                                               style(10, LineCap::Round, LineJoin::Round));
+      // Open, the path runs over its own stroke twice and its edge pixels count twice.
+      const double edgePixels = closed ? 0 : 2 * 40 + 2 * std::numbers::pi * 5;
+      EXPECT_GE(grid.area(),
+                400 + std::numbers::pi * 25 - 2 * std::numbers::pi * 5 * kFlatteningTolerance);
+      EXPECT_LE(grid.area(), 400 + std::numbers::pi * 25 + edgePixels / 2);
+      EXPECT_EQ(grid.at(tip.x > 30 ? 53 : 6, 20), 255);  // inside the rounded tip
+      for (int x = 6; x < 54; ++x) ASSERT_EQ(grid.at(x, 18), 255) << x;
+    }
+  }
+}
+
+TEST(RasterStroker, CapsOnCurvesFaceAlongTheTangent) {
+  // A quarter circle stroked as wide as its diameter, as icons draw rounded corners: its butt
+  // caps lie exactly on the lines through the centre, not tilted with the curve's end chords.
+  // The zero-length line first is what path builders put before an arc.
+  for (const LineCap cap : {LineCap::Butt, LineCap::Square}) {
+    SCOPED_TRACE(static_cast<int>(cap));
+    Path arc;
+    arc.moveTo({44, 64});
+    arc.lineTo({44, 64});
+    arc.addRelativeArc({64, 64}, 20, std::numbers::pi, std::numbers::pi / 2,
+                       AffineTransform::identity());
+    const CoverageGrid grid = strokeCoverage(arc, style(40, cap, LineJoin::Round));
+    const int reach = cap == LineCap::Square ? 20 : 0;  // square caps extend half the width
+    for (int y = 0; y < kSize; ++y) {
+      for (int x = 0; x < kSize; ++x) {
+        if (y >= 64 + reach || x >= 64 + reach) {
+          ASSERT_EQ(grid.at(x, y), 0) << x << "," << y;
+        }
+      }
+    }
+    EXPECT_EQ(grid.at(30, 63), 255);
+    EXPECT_EQ(grid.at(63, 30), 255);
+  }
+}
+
 TEST(RasterStroker, CurvesAreStrokedSmoothlyWithoutGaps) {
   const double r = 40;
   const Path circle = makeOvalPath({64 - r, 64 - r, 2 * r, 2 * r});

@@ -34,29 +34,33 @@ bool outside(const Point* p, int n, const Rect& box) {
   return left || right || above || below;
 }
 
-void emitQuad(Point p0, Point p1, Point p2, FlatPath& out) {
-  const int n = quadSegmentCount(p0, p1, p2, kFlatteningTolerance);
-  // B(t) = p0 + t·b + t²·a
-  const double ax = p0.x - 2 * p1.x + p2.x, ay = p0.y - 2 * p1.y + p2.y;
-  const double bx = 2 * (p1.x - p0.x), by = 2 * (p1.y - p0.y);
+// The direction a curve leaves its first point in: toward the first control point that differs
+// from it (all equal: none, the zero vector).
+Point leavingDirection(const Point* p, int n) {
   for (int i = 1; i < n; ++i) {
-    const double t = static_cast<double>(i) / n;
-    out.lineTo({p0.x + t * (bx + t * ax), p0.y + t * (by + t * ay)}, true);
+    if (p[i] != p[0]) return {p[i].x - p[0].x, p[i].y - p[0].y};
   }
-  out.lineTo(p2);
+  return {};
 }
 
-void emitCubic(Point p0, Point p1, Point p2, Point p3, FlatPath& out) {
-  const int n = cubicSegmentCount(p0, p1, p2, p3, kFlatteningTolerance);
-  // B(t) = p0 + t·c + t²·b + t³·a
-  const double cx = 3 * (p1.x - p0.x), cy = 3 * (p1.y - p0.y);
-  const double bx = 3 * (p2.x - 2 * p1.x + p0.x), by = 3 * (p2.y - 2 * p1.y + p0.y);
-  const double ax = p3.x - p0.x + 3 * (p1.x - p2.x), ay = p3.y - p0.y + 3 * (p1.y - p2.y);
+// Emits a curve's inner points and its end.
+void emitCurve(const Point* p, int degree, FlatPath& out) {
+  const int n = degree == 2 ? quadSegmentCount(p[0], p[1], p[2], kFlatteningTolerance)
+                            : cubicSegmentCount(p[0], p[1], p[2], p[3], kFlatteningTolerance);
   for (int i = 1; i < n; ++i) {
-    const double t = static_cast<double>(i) / n;
-    out.lineTo({p0.x + t * (cx + t * (bx + t * ax)), p0.y + t * (cy + t * (by + t * ay))}, true);
+    const double t = static_cast<double>(i) / n, u = 1 - t;
+    if (degree == 2) {
+      out.lineTo({u * u * p[0].x + 2 * u * t * p[1].x + t * t * p[2].x,
+                  u * u * p[0].y + 2 * u * t * p[1].y + t * t * p[2].y},
+                 true);
+    } else {
+      const double a = u * u * u, b = 3 * u * u * t, c = 3 * u * t * t, d = t * t * t;
+      out.lineTo({a * p[0].x + b * p[1].x + c * p[2].x + d * p[3].x,
+                  a * p[0].y + b * p[1].y + c * p[2].y + d * p[3].y},
+                 true);
+    }
   }
-  out.lineTo(p3);
+  out.lineTo(p[degree]);
 }
 
 }  // namespace
@@ -80,31 +84,52 @@ bool flattenPath(const Path& path, FlatPath& out, const std::optional<Rect>& cul
 
   std::optional<Point> current;
   Point start;
+  bool moved = false;  // the current contour has left its first point
+  const auto beginContour = [&] {
+    out.moveTo(start);
+    moved = false;
+  };
   path.forEach([&](const PathElement& element) {
     if (element.verb == PathVerb::Move) {
       current = start = clampPoint(element.points[0]);
-      out.moveTo(start);
+      beginContour();
       return;
     }
     if (!current) return;
     if (element.verb == PathVerb::Close) {
-      if (!out.hasOpenContour()) out.moveTo(start);
+      if (!out.hasOpenContour()) beginContour();
       out.close();
       current = start;
       return;
     }
     // A segment right after a close begins a new subpath at the closed one's start.
-    if (!out.hasOpenContour()) out.moveTo(start);
+    if (!out.hasOpenContour()) beginContour();
     Point p[4] = {*current};
     const int n = pointCount(element.verb);
     for (int i = 0; i < n; ++i) p[i + 1] = clampPoint(element.points[i]);
     const bool chord = n > 1 && cullBox && outside(p, n + 1, *cullBox);
     if (element.verb == PathVerb::Line || chord) {
       out.lineTo(p[n]);
-    } else if (element.verb == PathVerb::Quad) {
-      emitQuad(p[0], p[1], p[2], out);
+      // A line of no length (path builders add one before an arc) leaves the tangents alone.
+      if (p[n] != p[0]) {
+        out.setEndTangent({});
+        moved = true;
+      }
     } else {
-      emitCubic(p[0], p[1], p[2], p[3], out);
+      // The tangents at the curve's ends, for caps, which must face along the curve: its first
+      // and last chords turn away from it by half their angle.
+      Point reversed[4];
+      for (int i = 0; i <= n; ++i) reversed[i] = p[n - i];
+      emitCurve(p, n, out);
+      const Point leaving = leavingDirection(p, n + 1);
+      const Point arriving = leavingDirection(reversed, n + 1);
+      if (leaving != Point{}) {
+        if (!moved) out.setStartTangent(leaving);
+        out.setEndTangent({-arriving.x, -arriving.y});
+        moved = true;
+      }
+      current = p[n];
+      return;
     }
     current = p[n];
   });

@@ -38,6 +38,8 @@ int cubicSegmentCount(Point p0, Point p1, Point p2, Point p3, double tolerance);
 // of the box becomes its chord: the curve and its chord then differ only by a loop that lies
 // inside the curve's convex hull, and such a loop winds zero times around every point of the box.
 //
+// A contour that begins or ends with a curve records the curve's tangent there (see FlatContour).
+//
 // Returns false, with `out` empty, when a coordinate is not finite: such a path draws nothing.
 bool flattenPath(const Path& path, FlatPath& out, const std::optional<Rect>& cullBox = {});
 

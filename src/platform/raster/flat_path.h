@@ -8,11 +8,16 @@
 
 namespace tessaline {
 
-// One contour of a FlatPath: the points [begin, end) of FlatPath::points, closed or open.
+// One contour of a FlatPath: the points [begin, end) of FlatPath::points, closed or open. When
+// the contour began or ended with a curve, the direction the curve leaves its first point in or
+// arrives at its last point in (not normalised; zero when the end is straight), so that a
+// stroke's caps can face along the curve rather than along its first or last chord.
 struct FlatContour {
   std::uint32_t begin = 0;
   std::uint32_t end = 0;
   bool closed = false;
+  Point startTangent;
+  Point endTangent;
 };
 
 // A path made only of straight segments, in pixel coordinates: what curve flattening produces,
@@ -32,7 +37,7 @@ class FlatPath {
 
   // Starts a new contour at `p`.
   void moveTo(Point p) {
-    contours_.push_back({size(), size(), false});
+    contours_.push_back({size(), size(), false, {}, {}});
     push(p, false);
   }
 
@@ -41,6 +46,9 @@ class FlatPath {
 
   // Marks the last contour closed: filling and stroking join its last point back to its first.
   void close() { contours_.back().closed = true; }
+
+  void setStartTangent(Point direction) { contours_.back().startTangent = direction; }
+  void setEndTangent(Point direction) { contours_.back().endTangent = direction; }
 
   bool hasOpenContour() const { return !contours_.empty() && !contours_.back().closed; }
 

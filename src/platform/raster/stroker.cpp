@@ -90,6 +90,13 @@ void Stroker::strokeContour(const FlatPath& path, const FlatContour& contour, Fl
     lengths_[i] = length;
   }
 
+  const auto unit = [](Point v, Point fallback) {
+    const double length = std::hypot(v.x, v.y);
+    return length > 0 ? scale(v, 1 / length) : fallback;
+  };
+  startTangent_ = unit(contour.startTangent, directions_.front());
+  endTangent_ = unit(contour.endTangent, directions_.back());
+
   if (contour.closed) {
     addClosedSide(true, out);
     // A closed subpath that never leaves one line turns back at its ends, so one side already
@@ -127,7 +134,9 @@ void Stroker::addClosedSide(bool forward, FlatPath& out) {
 }
 
 // Half of the contour of an open subpath: the left offset from one end to the other, then the
-// cap at the far end. Called forward and then backward, which closes the loop.
+// cap at the far end. Called forward and then backward, which closes the loop. Each end's cap
+// faces along `tangents_` (the curve's tangent there, or the end segment), and the offsets run
+// up to the cap's line: where a curve ends, its last chord turns away from that line.
 void Stroker::addOpenSide(bool forward, FlatPath& out) {
   const std::size_t n = vertices_.size();
   const auto vertex = [&](std::size_t k) { return vertices_[forward ? k : n - 1 - k]; };
@@ -135,8 +144,11 @@ void Stroker::addOpenSide(bool forward, FlatPath& out) {
     return forward ? directions_[k] : scale(directions_[n - 2 - k], -1);
   };
   const auto length = [&](std::size_t k) { return lengths_[forward ? k : n - 2 - k]; };
+  // The walk's own directions at its start and end.
+  const Point startTangent = forward ? startTangent_ : scale(endTangent_, -1);
+  const Point endTangent = forward ? endTangent_ : scale(startTangent_, -1);
 
-  const Point start = add(vertex(0), scale(normal(direction(0)), halfWidth_));
+  const Point start = capCorner(vertex(0), direction(0), startTangent);
   if (forward) {
     out.moveTo(start);
   } else {
@@ -146,9 +158,21 @@ void Stroker::addOpenSide(bool forward, FlatPath& out) {
     addJoin(vertex(k), direction(k - 1), direction(k), length(k - 1), length(k),
             smooth_[forward ? k : n - 1 - k] != 0, out);
   }
-  const Point last = direction(n - 2);
-  out.lineTo(add(vertex(n - 1), scale(normal(last), halfWidth_)));
-  addCap(vertex(n - 1), last, out);
+  out.lineTo(capCorner(vertex(n - 1), direction(n - 2), endTangent));
+  addCap(vertex(n - 1), endTangent, out);
+}
+
+// Where the left offset of a segment running in direction `d` meets the line of a cap at its
+// end point `p` that faces along `t` (unit vectors): p + normal(t)·halfWidth when d = t.
+Point Stroker::capCorner(Point p, Point d, Point t) const {
+  const Point corner = add(p, scale(normal(d), halfWidth_));
+  const double along = d.x * t.x + d.y * t.y;
+  // A chord and its curve's tangent differ by half the chord's angle, a few degrees; anything
+  // far off is not worth leaning the corner for.
+  if (along < 0.5) return add(p, scale(normal(t), halfWidth_));
+  const Point n = normal(d);
+  const double shift = -halfWidth_ * (n.x * t.x + n.y * t.y) / along;
+  return add(corner, scale(d, shift));
 }
 
 // Emits the offset outline around vertex `p` where the walk turns from direction d1 to d2 (unit
@@ -167,12 +191,15 @@ void Stroker::addJoin(Point p, Point d1, Point d2, double length1, double length
   }
   if (cross > 0) {
     // Turning toward this side: the inner side of the corner. The two offsets cross a distance
-    // halfWidth·tan(φ/2) = halfWidth·sin φ / (1 + cos φ) before and after the corner (φ the
-    // turning angle). When that is at most half of either segment, the crossing itself is the
-    // outline's corner: nothing overlaps there, so no pixel counts the overlap twice, and the
-    // neighbouring corners cannot claim the same stretch of offset. Otherwise the outline goes
-    // round through the vertex, which covers both segments' bodies however short they are.
-    if (1 + dot > 0 && 2 * halfWidth_ * cross <= std::min(length1, length2) * (1 + dot)) {
+    // a = halfWidth·tan(φ/2) = halfWidth·sin φ / (1 + cos φ) before and after the corner (φ the
+    // turning angle), and the crossing is the outline's corner: nothing overlaps there, so no
+    // pixel counts an overlap twice. If a reaches past the middle of a segment, the offsets of
+    // its two ends cross over and wind a sliver the wrong way, about (a - length/2)·sin φ wide;
+    // up to the flattening tolerance that is invisible (it happens all along a curve exactly as
+    // round as the stroke is wide). Beyond that the outline goes round through the vertex
+    // instead, which covers both segments' bodies however short they are.
+    const double overshoot = halfWidth_ * cross / (1 + dot) - 0.5 * std::min(length1, length2);
+    if (1 + dot > 0 && overshoot * cross <= kFlatteningTolerance) {
       out.lineTo(add(p, scale(add(n1, n2), 1 / (1 + dot))));
       return;
     }
@@ -192,28 +219,31 @@ void Stroker::addJoin(Point p, Point d1, Point d2, double length1, double length
     }
   }
   out.lineTo(add(p, n1));
-  if (join == LineJoin::Round) addArc(p, n1, std::atan2(cross, dot), out);
+  // The arc turns with the path, clockwise here; for an exact U-turn the cross product is a
+  // zero of either sign, and the arc must still go round the front of the corner.
+  if (join == LineJoin::Round) addArc(p, n1, -std::atan2(std::abs(cross), dot), out);
   out.lineTo(add(p, n2));
 }
 
-// Emits the cap at end point `p` of a segment running in direction `d`: the outline arrives at
-// p + normal and leaves at p - normal.
-void Stroker::addCap(Point p, Point d, FlatPath& out) {
-  const Point n = scale(normal(d), halfWidth_);
+// Emits the cap at end point `p` of a path arriving in direction `t`, between the outline's
+// corners on either side of p (see capCorner), which the caller emits.
+void Stroker::addCap(Point p, Point t, FlatPath& out) {
+  const Point n = scale(normal(t), halfWidth_);
   switch (cap_) {
     case LineCap::Butt:
       break;
     case LineCap::Square: {
-      const Point ahead = scale(d, halfWidth_);
+      const Point ahead = scale(t, halfWidth_);
       out.lineTo(add(add(p, n), ahead));
       out.lineTo(add(sub(p, n), ahead));
       break;
     }
     case LineCap::Round:
+      out.lineTo(add(p, n));
       addArc(p, n, -std::numbers::pi, out);
+      out.lineTo(sub(p, n));
       break;
   }
-  out.lineTo(sub(p, n));
 }
 
 // Emits the inner points of the arc around `center` that starts at center + from and turns by

@@ -21,10 +21,10 @@ namespace tessaline {
 // Joins follow the platform: a miter is kept while miter length / stroke width = 1 / sin(θ/2) is
 // at most the miter limit (θ the angle between the segments), otherwise the corner is bevelled.
 // Inside a flattened curve the outer side of every vertex is rounded whatever the join, so curves
-// stay smooth. On the inner side of a turn the outline turns where the two offsets cross when
-// that lies within the nearer halves of both segments, so nothing overlaps there; otherwise it
-// passes through the vertex itself, which keeps every part of both segments' bodies covered
-// however short the segments are.
+// stay smooth. On the inner side of a turn the outline turns where the two offsets cross, so
+// nothing overlaps there, unless short segments would make the offsets cross over visibly; then
+// it passes through the vertex itself, which keeps both segments' bodies covered however short
+// they are. Caps at the ends of curves face along the curves' tangents.
 //
 // Degenerate subpaths follow the platform: repeated points are dropped; a subpath that has a
 // segment or a close but no length draws a dot of the stroke width with round caps and nothing
@@ -42,7 +42,8 @@ class Stroker {
   void addOpenSide(bool forward, FlatPath& out);
   void addJoin(Point p, Point d1, Point d2, double length1, double length2, bool smooth,
                FlatPath& out);
-  void addCap(Point p, Point d, FlatPath& out);
+  Point capCorner(Point p, Point d, Point t) const;
+  void addCap(Point p, Point t, FlatPath& out);
   void addArc(Point center, Point from, double angle, FlatPath& out);
   void addDot(Point center, FlatPath& out);
 
@@ -58,6 +59,9 @@ class Stroker {
   std::vector<std::uint8_t> smooth_;
   std::vector<Point> directions_;
   std::vector<double> lengths_;
+  // The unit directions an open subpath starts and ends in, for its caps.
+  Point startTangent_;
+  Point endTangent_;
 };
 
 }  // namespace tessaline
