@@ -20,8 +20,9 @@ Rect toRect(const PixelBox& box) {
 NativeRasterContext::NativeRasterContext(int width, int height)
     : width_(std::max(width, 0)),
       height_(std::max(height, 0)),
-      pixels_(static_cast<PremultipliedPixel*>(
-          std::calloc(static_cast<std::size_t>(width_) * height_ + 1, sizeof(PremultipliedPixel)))),
+      pixels_(std::make_unique_for_overwrite<PremultipliedPixel[]>(
+          static_cast<std::size_t>(width_) * height_)),
+      rowReady_(static_cast<std::size_t>(height_), 0),
       clips_(width_, height_),
       rasterizer_(width_, height_) {}
 
@@ -61,11 +62,16 @@ void NativeRasterContext::stroke(const Path& path, const StrokeStyle& style, con
 void NativeRasterContext::paint(FillRule rule, const FlatPath& shape, const Color& color) {
   const PremultipliedPixel source = premultiply(color);
   if (alphaOf(source) == 0) return;  // premultiplied, so every channel is 0: nothing changes
-  if (!pixels_) return;
   rasterizer_.begin(clips_.box());
   rasterizer_.addPath(shape);
   const PixelBox bounds = rasterizer_.bounds();
   if (bounds.empty()) return;
+  for (int y = bounds.y0; y < bounds.y1; ++y) {
+    if (rowReady_[y]) continue;
+    std::memset(pixels_.get() + static_cast<std::size_t>(y) * width_, 0,
+                static_cast<std::size_t>(width_) * sizeof(PremultipliedPixel));
+    rowReady_[y] = 1;
+  }
   painted_ = painted_.empty()
                  ? bounds
                  : PixelBox{std::min(painted_.x0, bounds.x0), std::min(painted_.y0, bounds.y0),
@@ -81,21 +87,28 @@ void NativeRasterContext::paint(FillRule rule, const FlatPath& shape, const Colo
 
 Image NativeRasterContext::image() const {
   Image out(width_, height_);
-  // Icons are mostly flat colour, so a pixel usually converts like its left neighbour.
+  const int x0 = painted_.x0, x1 = painted_.x1;
+  // Icons are mostly flat colour: runs of one pixel value convert once. The bounds live in
+  // locals because every byte stored into the image might otherwise alias them.
   PremultipliedPixel last = 0;
   std::uint8_t converted[4] = {0, 0, 0, 0};
   for (int y = painted_.y0; y < painted_.y1; ++y) {
+    if (!rowReady_[y]) continue;
     const std::size_t offset = static_cast<std::size_t>(y) * width_;
     const PremultipliedPixel* row = pixels_.get() + offset;
     std::uint8_t* rgba = out.bytes().data() + offset * 4;
-    for (int x = painted_.x0; x < painted_.x1; ++x) {
+    for (int x = x0; x < x1;) {
       const PremultipliedPixel p = row[x];
-      if (p == 0) continue;
-      if (p != last) {
-        unpremultiply(p, converted);
-        last = p;
+      int end = x + 1;
+      while (end < x1 && row[end] == p) ++end;
+      if (p != 0) {
+        if (p != last) {
+          unpremultiply(p, converted);
+          last = p;
+        }
+        for (int i = x; i < end; ++i) std::memcpy(rgba + 4 * i, converted, 4);
       }
-      std::memcpy(rgba + x * 4, converted, 4);
+      x = end;
     }
   }
   return out;

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <cstdlib>
+#include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "platform/raster/clip_stack.h"
 #include "platform/raster/coverage_rasterizer.h"
@@ -40,15 +41,12 @@ class NativeRasterContext final : public RasterContext {
  private:
   void paint(FillRule rule, const FlatPath& shape, const Color& color);
 
-  struct Free {
-    void operator()(void* p) const { std::free(p); }
-  };
-
   int width_;
   int height_;
-  // Zeroed by calloc, which for a canvas this size hands out untouched pages that the system
-  // zeroes only where they are written.
-  std::unique_ptr<PremultipliedPixel[], Free> pixels_;
+  // Left uninitialised: a row is cleared when first painted (rowReady_), so rows nothing reaches
+  // are never touched, neither here nor by image(), and cost no memory traffic at all.
+  std::unique_ptr<PremultipliedPixel[]> pixels_;
+  std::vector<std::uint8_t> rowReady_;
   PixelBox painted_;  // every pixel outside is still transparent
   ClipStack clips_;
   CoverageRasterizer rasterizer_;
