@@ -24,7 +24,12 @@ namespace tessaline {
 // stay smooth. On the inner side of a turn the outline turns where the two offsets cross, so
 // nothing overlaps there, unless short segments would make the offsets cross over visibly; then
 // it passes through the vertex itself, which keeps both segments' bodies covered however short
-// they are. Caps at the ends of curves face along the curves' tangents.
+// they are. Caps at the ends of curves face along the curves' tangents; joins there use the end
+// chords, which differ from the tangents by half a chord's angle.
+//
+// Parts of one path that run over each other (a line drawn back along itself, subpaths whose
+// round caps meet) are outlined once per pass, so their shared edges are anti-aliased twice by
+// the rasterizer (see CoverageRasterizer) and come out a little harder there.
 //
 // Degenerate subpaths follow the platform: repeated points are dropped; a subpath that has a
 // segment or a close but no length draws a dot of the stroke width with round caps and nothing
