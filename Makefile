@@ -45,6 +45,8 @@ clean:
 # Fuzzing (clang + libFuzzer): `make fuzz FUZZ_SECONDS=600`. New inputs accumulate in fuzz-corpus/
 # (ignored by git); crashes are written to build-fuzz/crashes/.
 FUZZ_SECONDS ?= 300
+# Extra libFuzzer flags, e.g. FUZZ_FLAGS="-fork=1 -ignore_timeouts=1" to keep going past slow inputs.
+FUZZ_FLAGS ?=
 .PHONY: fuzz
 fuzz: bootstrap
 	@CC=clang CXX=clang++ cmake -S . -B build-fuzz -DTESSALINE_FUZZ=ON -DTESSALINE_BUILD_TESTS=OFF \
@@ -52,5 +54,5 @@ fuzz: bootstrap
 	@cmake --build build-fuzz --target tessaline_fuzz -j $(JOBS)
 	@mkdir -p fuzz-corpus build-fuzz/crashes
 	@build-fuzz/tessaline_fuzz -max_total_time=$(FUZZ_SECONDS) -max_len=65536 -timeout=10 \
-	  -rss_limit_mb=4096 -artifact_prefix=build-fuzz/crashes/ -dict=tests/fuzz/svg.dict \
-	  fuzz-corpus tests/fuzz/seeds
+	  -rss_limit_mb=4096 -artifact_prefix=build-fuzz/crashes/ -dict=tests/fuzz/svg.dict $(FUZZ_FLAGS) \
+	  fuzz-corpus tests/fuzz/seeds tests/data

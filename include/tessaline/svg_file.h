@@ -30,8 +30,10 @@ class TESSALINE_API SVGFile {
   SVGFile& operator=(SVGFile&&) noexcept;
 
   // Renders the symbol stored under `key` (exact match). An unknown key gives a response without
-  // a bitmap and the single error "No SVG Definition found for key".
-  TessalineResponse getUIImageForKey(const std::string& key) const;
+  // a bitmap and the single error "No SVG Definition found for key". `backend` picks the
+  // rasterizer; both give the same errors and nearly the same pixels.
+  TessalineResponse getUIImageForKey(const std::string& key,
+                                     RasterBackend backend = RasterBackend::Native) const;
 
   // Definitions by id, in byte order of the ids.
   std::map<std::string, std::shared_ptr<const SVGDefinition>> symbolDefinitions;

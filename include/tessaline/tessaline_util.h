@@ -7,6 +7,7 @@
 
 #include "tessaline/export.h"
 #include "tessaline/image.h"
+#include "tessaline/raster_backend.h"
 
 namespace tessaline {
 
@@ -18,14 +19,21 @@ class SVGDefinition;
 class TESSALINE_API TessalineRequest {
  public:
   TessalineRequest(const SVGFile& svgFile, std::shared_ptr<const SVGDefinition> svg,
-                   std::optional<std::string> key, int width, int height)
-      : svgFile(svgFile), svg(std::move(svg)), key(std::move(key)), width(width), height(height) {}
+                   std::optional<std::string> key, int width, int height,
+                   RasterBackend backend = RasterBackend::Native)
+      : svgFile(svgFile),
+        svg(std::move(svg)),
+        key(std::move(key)),
+        width(width),
+        height(height),
+        backend(backend) {}
 
   const SVGFile& svgFile;
   const std::shared_ptr<const SVGDefinition> svg;
   const std::optional<std::string> key;
   const int width;
   const int height;
+  const RasterBackend backend;
 };
 
 // What a request produced: the key asked for, the image (absent only when no definition was

@@ -100,13 +100,13 @@ SVGFile::~SVGFile() = default;
 SVGFile::SVGFile(SVGFile&&) noexcept = default;
 SVGFile& SVGFile::operator=(SVGFile&&) noexcept = default;
 
-TessalineResponse SVGFile::getUIImageForKey(const std::string& key) const {
+TessalineResponse SVGFile::getUIImageForKey(const std::string& key, RasterBackend backend) const {
   auto found = symbolDefinitions.find(key);
   if (found == symbolDefinitions.end()) {
     return TessalineResponse(key, std::nullopt, {std::string(kNoDefinitionForKey)});
   }
   return TessalineUtil::loadSVGImage(TessalineRequest(
-      *this, found->second, key, TessalineUtil::kImageSize, TessalineUtil::kImageSize));
+      *this, found->second, key, TessalineUtil::kImageSize, TessalineUtil::kImageSize, backend));
 }
 
 }  // namespace tessaline

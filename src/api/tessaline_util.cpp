@@ -15,7 +15,7 @@ TessalineResponse TessalineUtil::loadSVGImage(const TessalineRequest& rasterizeR
   // Everything lives for this call only: a parsed file may be drawn from several threads at once.
   // The request's width and height are deliberately ignored; the image size is fixed.
   std::unique_ptr<RasterContext> context =
-      makeRasterContext(RasterBackend::Cairo, kImageSize, kImageSize);
+      makeRasterContext(rasterizeRequest.backend, kImageSize, kImageSize);
   SVGCanvas canvas(*context);
 
   std::vector<std::string> errors;

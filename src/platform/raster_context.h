@@ -6,6 +6,7 @@
 #include "platform/geometry_types.h"
 #include "platform/path.h"
 #include "tessaline/image.h"
+#include "tessaline/raster_backend.h"
 
 namespace tessaline {
 
@@ -36,8 +37,6 @@ class RasterContext {
   // The pixels drawn so far as straight-alpha RGBA.
   virtual Image image() const = 0;
 };
-
-enum class RasterBackend { Cairo, Native };
 
 std::unique_ptr<RasterContext> makeRasterContext(RasterBackend backend, int width, int height);
 

@@ -7,6 +7,10 @@
 #include "parse/svg_definition.h"
 #include "tessaline/svg_file.h"
 
+#ifdef TESSALINE_FUZZING
+#include "platform/fatal.h"
+#endif
+
 namespace tessaline {
 namespace {
 
@@ -29,6 +33,26 @@ std::string joinErrors(const std::vector<std::string>& errors) {
   return joined;
 }
 
+#ifdef TESSALINE_FUZZING
+// References recurse without limit, so a symbol that uses itself exhausts the stack. The fuzzing
+// build stops such chains through the fatal-stop hook so they are told apart from real faults.
+// Thread-local rather than threaded through the calls: this exists in the fuzzing build only.
+constexpr int kFuzzingUseDepthLimit = 24;
+thread_local int useDepth = 0;
+
+struct UseDepthGuard {
+  UseDepthGuard() {
+    if (++useDepth > kFuzzingUseDepthLimit) {
+      --useDepth;  // this guard's destructor will not run; the outer ones unwind the rest
+      fatalError("use references nest too deeply");
+    }
+  }
+  ~UseDepthGuard() { --useDepth; }
+  UseDepthGuard(const UseDepthGuard&) = delete;
+  UseDepthGuard& operator=(const UseDepthGuard&) = delete;
+};
+#endif
+
 }  // namespace
 
 std::optional<std::string> UseComponent::getLinkKey() const {
@@ -42,6 +66,9 @@ std::optional<std::string> UseComponent::draw(SVGCanvasProtocol& canvas,
                                               const PresentationAttributes* joinAttributes) const {
   const std::optional<std::string> key = getLinkKey();
   if (!key) return kNoLinkKeyFound;
+#ifdef TESSALINE_FUZZING
+  const UseDepthGuard depthGuard;
+#endif
 
   // An element of this definition's `defs` gets only the `use` element's own styling; what the
   // `use` inherited stops here.

@@ -107,36 +107,44 @@ constexpr const char* kDocument = R"svg(<svg xmlns="http://www.w3.org/2000/svg">
   </symbol>
 </svg>)svg";
 
+constexpr RasterBackend kBackends[] = {RasterBackend::Native, RasterBackend::Cairo};
+
 TEST(Rendering, PaintsColoursAndOpacities) {
   const SVGFile file(kDocument);
-  const TessalineResponse response = file.getUIImageForKey("paints");
-  ASSERT_TRUE(response.bitmap().has_value());
-  EXPECT_EQ(response.errors(), Texts{});
-  const Image& image = *response.bitmap();
-  expectPixel(image, 60, 60, {255, 128, 0, 255});
-  // 0.5 * 255 truncates to 127; the colour stays at full intensity (straight alpha).
-  expectPixel(image, 160, 60, {0, 0, 255, 127});
-  // fill-opacity replaces opacity for the fill.
-  expectPixel(image, 60, 160, {0, 255, 0, 63});
-  // A stroke and no fill: the shape is not filled. The 20-pixel stroke is centred on x = 120.
-  expectPixel(image, 120, 160, {255, 0, 0, 255});
-  expectPixel(image, 160, 160, kTransparent);
-  expectPixel(image, 5, 5, kTransparent);
-  expectPixel(image, 250, 250, kTransparent);
+  for (const RasterBackend backend : kBackends) {
+    SCOPED_TRACE(backend == RasterBackend::Native ? "native" : "cairo");
+    const TessalineResponse response = file.getUIImageForKey("paints", backend);
+    ASSERT_TRUE(response.bitmap().has_value());
+    EXPECT_EQ(response.errors(), Texts{});
+    const Image& image = *response.bitmap();
+    expectPixel(image, 60, 60, {255, 128, 0, 255});
+    // 0.5 * 255 truncates to 127; the colour stays at full intensity (straight alpha).
+    expectPixel(image, 160, 60, {0, 0, 255, 127});
+    // fill-opacity replaces opacity for the fill.
+    expectPixel(image, 60, 160, {0, 255, 0, 63});
+    // A stroke and no fill: the shape is not filled. The 20-pixel stroke is centred on x = 120.
+    expectPixel(image, 120, 160, {255, 0, 0, 255});
+    expectPixel(image, 160, 160, kTransparent);
+    expectPixel(image, 5, 5, kTransparent);
+    expectPixel(image, 250, 250, kTransparent);
+  }
 }
 
 TEST(Rendering, ClipsByReferenceFromGroupsAndUses) {
   const SVGFile file(kDocument);
-  const TessalineResponse response = file.getUIImageForKey("clipped");
-  ASSERT_TRUE(response.bitmap().has_value());
-  EXPECT_EQ(response.errors(), Texts{});
-  const Image& image = *response.bitmap();
-  const Rgba black{0, 0, 0, 255};
-  expectPixel(image, 64, 64, black);
-  expectPixel(image, 192, 64, kTransparent);
-  // The use's clip applies to the defs shape it draws, through the use's transform.
-  expectPixel(image, 64, 192, black);
-  expectPixel(image, 192, 192, kTransparent);
+  for (const RasterBackend backend : kBackends) {
+    SCOPED_TRACE(backend == RasterBackend::Native ? "native" : "cairo");
+    const TessalineResponse response = file.getUIImageForKey("clipped", backend);
+    ASSERT_TRUE(response.bitmap().has_value());
+    EXPECT_EQ(response.errors(), Texts{});
+    const Image& image = *response.bitmap();
+    const Rgba black{0, 0, 0, 255};
+    expectPixel(image, 64, 64, black);
+    expectPixel(image, 192, 64, kTransparent);
+    // The use's clip applies to the defs shape it draws, through the use's transform.
+    expectPixel(image, 64, 192, black);
+    expectPixel(image, 192, 192, kTransparent);
+  }
 }
 
 TEST(Rendering, UsedSymbolIsPlacedByTheUseTransform) {

@@ -108,6 +108,19 @@ TEST_F(RenderCommand, WritesThePngAndPrintsNothingForACleanSymbol) {
   EXPECT_EQ(png->pixel(200, 128), kTransparent);
 }
 
+TEST_F(RenderCommand, EitherBackendDrawsTheSquare) {
+  for (const char* backend : {"native", "cairo", "Cairo"}) {
+    SCOPED_TRACE(backend);
+    const CommandResult r =
+        run({"render", kSample, "square", "-o", "out.png", "--backend", backend});
+    EXPECT_EQ(r.status, 0) << r.err;
+    const auto png = readPng(dir_ / "out.png");
+    ASSERT_TRUE(png.has_value());
+    EXPECT_EQ(png->pixel(128, 128), (Pixel{255, 0, 0, 255}));
+    EXPECT_EQ(png->pixel(200, 128), kTransparent);
+  }
+}
+
 TEST_F(RenderCommand, PrintsErrorsInOrderOneALine) {
   const CommandResult r = run({"render", kSample, "with-errors", "-o", "out.png"});
   EXPECT_EQ(r.status, 0) << r.err;
@@ -172,6 +185,7 @@ TEST_F(RenderCommand, UsageAndInputOutputErrorsExitWithTwo) {
       {"unreadable file", {"render", "no-such-file.svg", "square"}},
       {"unwritable output", {"render", kSample, "square", "-o", "no/such/folder/out.png"}},
       {"unknown option", {"render", kSample, "square", "--bogus"}},
+      {"unknown backend", {"render", kSample, "square", "--backend", "gpu"}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);

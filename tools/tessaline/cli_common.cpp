@@ -9,7 +9,22 @@
 
 namespace tessaline::cli {
 
-void printError(const std::string& message) { std::cerr << "tessaline: " << message << '\n'; }
+void printError(const std::string& message) {
+  std::cerr << "tessaline: " << message << '\n';
+}
+
+void addBackendOption(CLI::App& command, RasterBackend& backend) {
+  command
+      .add_option_function<std::string>(
+          "--backend",
+          [&backend](const std::string& name) {
+            backend = name == "cairo" ? RasterBackend::Cairo : RasterBackend::Native;
+          },
+          "rasterizer: native (the default, fastest) or cairo (the reference)")
+      // The check also folds the spelling to the listed one.
+      ->check(CLI::IsMember({"native", "cairo"}, CLI::ignore_case))
+      ->type_name("NAME");
+}
 
 std::optional<std::string> readDocument(const std::string& file) {
   if (file == "-") {

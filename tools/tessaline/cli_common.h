@@ -1,7 +1,10 @@
 #pragma once
 
+#include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
+
+#include "tessaline/raster_backend.h"
 
 namespace tessaline::cli {
 
@@ -16,5 +19,8 @@ std::optional<std::string> readDocument(const std::string& file);
 
 // Prints "tessaline: MESSAGE" on standard error.
 void printError(const std::string& message);
+
+// `--backend native|cairo`: which rasterizer draws the images (native unless asked).
+void addBackendOption(CLI::App& command, RasterBackend& backend);
 
 }  // namespace tessaline::cli

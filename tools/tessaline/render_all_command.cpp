@@ -27,6 +27,7 @@ struct RenderAllOptions {
   std::string file;
   std::string directory;
   int jobs = 0;  // 0: one worker per hardware thread
+  RasterBackend backend = RasterBackend::Native;
 };
 
 // What one symbol produced.
@@ -66,8 +67,9 @@ class ProgressBar {
   std::mutex mutex_;
 };
 
-void renderOne(const SVGFile& svgFile, const std::filesystem::path& directory, Rendered& out) {
-  const TessalineResponse response = svgFile.getUIImageForKey(out.key);
+void renderOne(const SVGFile& svgFile, RasterBackend backend,
+               const std::filesystem::path& directory, Rendered& out) {
+  const TessalineResponse response = svgFile.getUIImageForKey(out.key, backend);
   out.errors = response.errors();
   out.fileName = safeFileName(out.key);
   const std::string path = (directory / out.fileName).string();
@@ -126,7 +128,7 @@ int runRenderAll(const RenderAllOptions& options) {
   auto work = [&] {
     for (std::size_t i = next++; i < results.size(); i = next++) {
       try {
-        renderOne(svgFile, directory, results[i]);
+        renderOne(svgFile, options.backend, directory, results[i]);
       } catch (const std::exception& e) {
         results[i].failure = std::string("cannot render ") + results[i].key + ": " + e.what();
       }
@@ -163,7 +165,8 @@ void addRenderAllCommand(CLI::App& app, int& exitCode) {
   command
       ->add_option("-j,--jobs", options->jobs,
                    "worker threads (default: the machine's hardware threads)")
-      ->check(CLI::PositiveNumber);
+      ->check(CLI::Range(1, 256));
+  addBackendOption(*command, options->backend);
   command->callback([options, &exitCode] {
     try {
       exitCode = runRenderAll(*options);

@@ -17,6 +17,7 @@ struct RenderOptions {
   std::string key;
   std::string output;
   bool json = false;
+  RasterBackend backend = RasterBackend::Native;
 };
 
 int runRender(const RenderOptions& options) {
@@ -24,7 +25,7 @@ int runRender(const RenderOptions& options) {
   if (!document) return kExitUsage;
 
   const SVGFile svgFile(*document);
-  const TessalineResponse response = svgFile.getUIImageForKey(options.key);
+  const TessalineResponse response = svgFile.getUIImageForKey(options.key, options.backend);
 
   if (response.bitmap()) {
     const std::string output = options.output.empty() ? safeFileName(options.key) : options.output;
@@ -60,6 +61,7 @@ void addRenderCommand(CLI::App& app, int& exitCode) {
                       "PNG file to write (default: the key's safe file name, here)");
   command->add_flag("--json", options->json,
                     "print {\"key\", \"bitmap\", \"errors\"} as one JSON object instead");
+  addBackendOption(*command, options->backend);
   command->callback([options, &exitCode] { exitCode = runRender(*options); });
 }
 

@@ -26,6 +26,7 @@ struct ReportOptions {
   std::string file;
   std::string directory;
   int jobs = 0;  // 0: one worker per hardware thread
+  RasterBackend backend = RasterBackend::Native;
 };
 
 bool createFolder(const fs::path& folder) {
@@ -67,7 +68,7 @@ int runReport(const ReportOptions& options) {
 
   // Workers write their PNGs straight away and keep only the error texts.
   std::vector<std::optional<std::string>> failures(keys.size());
-  renderKeysInParallel(svgFile, keys, static_cast<unsigned>(options.jobs),
+  renderKeysInParallel(svgFile, keys, static_cast<unsigned>(options.jobs), options.backend,
                        [&](std::size_t index, TessalineResponse response) {
                          ReportEntry& entry = page.entries[index];
                          entry.key = keys[index];
@@ -105,6 +106,7 @@ void addReportCommand(CLI::App& app, int& exitCode) {
       ->add_option("-j,--jobs", options->jobs,
                    "worker threads (default: the machine's hardware threads)")
       ->check(CLI::Range(1, 256));
+  addBackendOption(*command, options->backend);
   command->callback([options, &exitCode] {
     try {
       exitCode = runReport(*options);

@@ -20,6 +20,7 @@ struct SheetOptions {
   int columns = ContactSheet::kDefaultColumns;
   int cell = ContactSheet::kDefaultCell;
   int jobs = 0;  // 0: one worker per hardware thread
+  RasterBackend backend = RasterBackend::Native;
 };
 
 int runSheet(const SheetOptions& options) {
@@ -33,7 +34,7 @@ int runSheet(const SheetOptions& options) {
   // Each worker scales its own render down at once, so a large sprite never holds more than one
   // full-size image per worker.
   std::vector<SheetCell> cells(keys.size());
-  renderKeysInParallel(svgFile, keys, static_cast<unsigned>(options.jobs),
+  renderKeysInParallel(svgFile, keys, static_cast<unsigned>(options.jobs), options.backend,
                        [&](std::size_t index, TessalineResponse response) {
                          SheetCell& cell = cells[index];
                          cell.key = keys[index];
@@ -72,6 +73,7 @@ void addSheetCommand(CLI::App& app, int& exitCode) {
       ->add_option("-j,--jobs", options->jobs,
                    "worker threads (default: the machine's hardware threads)")
       ->check(CLI::Range(1, 256));
+  addBackendOption(*command, options->backend);
   command->callback([options, &exitCode] {
     try {
       exitCode = runSheet(*options);

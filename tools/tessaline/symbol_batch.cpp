@@ -14,7 +14,7 @@ std::vector<std::string> keysInTableOrder(const SVGFile& file) {
 }
 
 void renderKeysInParallel(
-    const SVGFile& file, const std::vector<std::string>& keys, unsigned jobs,
+    const SVGFile& file, const std::vector<std::string>& keys, unsigned jobs, RasterBackend backend,
     const std::function<void(std::size_t index, TessalineResponse response)>& consume) {
   if (jobs == 0) jobs = std::max(1u, std::thread::hardware_concurrency());
   const auto threadCount = static_cast<unsigned>(std::min<std::size_t>(jobs, keys.size()));
@@ -24,7 +24,7 @@ void renderKeysInParallel(
   std::atomic<std::size_t> next{0};
   auto work = [&] {
     for (std::size_t i = next++; i < keys.size(); i = next++) {
-      consume(i, file.getUIImageForKey(keys[i]));
+      consume(i, file.getUIImageForKey(keys[i], backend));
     }
   };
   if (threadCount <= 1) {

@@ -16,7 +16,7 @@ std::vector<std::string> keysInTableOrder(const SVGFile& file);
 // each response to `consume` together with the key's position in `keys`. `consume` runs on the
 // worker threads, once per key, so it must only touch state that belongs to that position.
 void renderKeysInParallel(
-    const SVGFile& file, const std::vector<std::string>& keys, unsigned jobs,
+    const SVGFile& file, const std::vector<std::string>& keys, unsigned jobs, RasterBackend backend,
     const std::function<void(std::size_t index, TessalineResponse response)>& consume);
 
 }  // namespace tessaline::cli
