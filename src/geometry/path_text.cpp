@@ -2,56 +2,13 @@
 
 #include <algorithm>
 
-#include "geometry/grapheme_extend.h"
 #include "platform/fatal.h"
+#include "platform/utf8_text.h"
 
 namespace tessaline::detail {
 namespace {
 
 constexpr std::string_view kOutOfRange = "path data read past its end";
-
-constexpr char32_t kReplacement = 0xFFFD;
-
-struct Decoded {
-  char32_t codePoint;
-  std::size_t length;
-};
-
-bool isContinuation(unsigned char byte) {
-  return (byte & 0xC0) == 0x80;
-}
-
-// One code point of UTF-8 at `at`; a malformed sequence decodes as U+FFFD of one byte.
-Decoded decodeAt(std::string_view text, std::size_t at) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[at + i]); };
-  const unsigned char lead = byte(0);
-  if (lead < 0x80) return {lead, 1};
-  std::size_t length = 0;
-  char32_t value = 0;
-  char32_t minimum = 0;
-  if ((lead & 0xE0) == 0xC0) {
-    length = 2, value = lead & 0x1F, minimum = 0x80;
-  } else if ((lead & 0xF0) == 0xE0) {
-    length = 3, value = lead & 0x0F, minimum = 0x800;
-  } else if ((lead & 0xF8) == 0xF0) {
-    length = 4, value = lead & 0x07, minimum = 0x10000;
-  } else {
-    return {kReplacement, 1};
-  }
-  if (at + length > text.size()) return {kReplacement, 1};
-  for (std::size_t i = 1; i < length; ++i) {
-    if (!isContinuation(byte(i))) return {kReplacement, 1};
-    value = (value << 6) | (byte(i) & 0x3F);
-  }
-  if (value < minimum || value > 0x10FFFF || (value >= 0xD800 && value <= 0xDFFF)) {
-    return {kReplacement, 1};
-  }
-  return {value, length};
-}
-
-bool isControl(char32_t c) {
-  return c < 0x20 || (c >= 0x7F && c <= 0x9F);
-}
 
 }  // namespace
 
@@ -64,11 +21,9 @@ PathText::PathText(std::string_view text) : text_(text) {
   }
   char32_t previous = 0;
   for (std::size_t at = 0; at < text.size();) {
-    const Decoded decoded = decodeAt(text, at);
+    const DecodedCodePoint decoded = decodeUtf8At(text, at);
     const char32_t c = decoded.codePoint;
-    const bool joins = at > 0 && ((previous == U'\r' && c == U'\n') ||
-                                  (!isControl(previous) && extendsGraphemeCluster(c)));
-    if (!joins) boundaries_.push_back(at);
+    if (at == 0 || !joinsPreviousCharacter(previous, c)) boundaries_.push_back(at);
     previous = c;
     at += decoded.length;
   }

@@ -1,6 +1,7 @@
 #include "platform/color.h"
 
 #include <cstdint>
+#include <span>
 #include <string>
 
 #include "platform/utf8_text.h"
@@ -42,19 +43,20 @@ int hexDigitValue(char32_t c) {
 // Reads a hexadecimal number the way the platform scanner does: skips leading white space, takes
 // an optional "0x" or "0X" when a hex digit follows it, then the longest run of hex digits. A "0x"
 // with no digit after it reads as the single digit "0" (value 0), as the scanner does. Fails only
-// when no digit was read. At most eight characters reach here, so the value cannot overflow.
-std::optional<std::uint64_t> scanHexLongLong(const Utf8Text& text) {
+// when no digit was read. The scanner reads code points, below the character level: the "0" of
+// "0" + U+0301 is a digit to it. At most eight characters reach here, and a digit is never a
+// compound character's mark, so at most eight digits are read and the value cannot overflow.
+std::optional<std::uint64_t> scanHexLongLong(std::span<const char32_t> text) {
   std::size_t i = 0;
-  while (i < text.size() && isSkippedBeforeNumber(text.codePoint(i))) ++i;
-  if (i + 2 < text.size() && text.codePoint(i) == '0' &&
-      (text.codePoint(i + 1) == 'x' || text.codePoint(i + 1) == 'X') &&
-      hexDigitValue(text.codePoint(i + 2)) >= 0) {
+  while (i < text.size() && isSkippedBeforeNumber(text[i])) ++i;
+  if (i + 2 < text.size() && text[i] == '0' && (text[i + 1] == 'x' || text[i + 1] == 'X') &&
+      hexDigitValue(text[i + 2]) >= 0) {
     i += 2;
   }
   std::uint64_t value = 0;
   std::size_t digits = 0;
-  for (; i < text.size() && hexDigitValue(text.codePoint(i)) >= 0; ++i, ++digits) {
-    value = value * 16 + static_cast<std::uint64_t>(hexDigitValue(text.codePoint(i)));
+  for (; i < text.size() && hexDigitValue(text[i]) >= 0; ++i, ++digits) {
+    value = value * 16 + static_cast<std::uint64_t>(hexDigitValue(text[i]));
   }
   if (digits == 0) return std::nullopt;
   return value;
@@ -73,7 +75,7 @@ std::optional<Color> Color::fromHexString(std::string_view text) {
   if (Utf8Text(digits).size() == 6) digits += "FF";
   const Utf8Text scanned(digits);
   if (scanned.size() != 8) return std::nullopt;
-  const auto value = scanHexLongLong(scanned);
+  const auto value = scanHexLongLong(scanned.codePoints());
   if (!value) return std::nullopt;
   const auto rgba = static_cast<std::uint32_t>(*value);
   return Color{channel(rgba, 24), channel(rgba, 16), channel(rgba, 8), channel(rgba, 0)};

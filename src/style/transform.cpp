@@ -26,7 +26,7 @@ struct ParsedFunctions {
 // lists have always been read that way.
 std::size_t getIndexOf(const Utf8Text& text, char32_t wanted, std::size_t startAt) {
   for (std::size_t i = startAt; i < text.size(); ++i) {
-    if (text.codePoint(i) == wanted) return i;
+    if (text.character(i) == wanted) return i;
   }
   return startAt + 1;
 }
@@ -76,7 +76,7 @@ ParsedFunctions parseFunctions(std::string_view transform) {
       functions.push_back(std::move(function));
     }
     i = close + 1;
-    while (i < text.size() && text.codePoint(i) == U' ') ++i;
+    while (i < text.size() && text.character(i) == U' ') ++i;
   }
   return {std::move(functions), std::nullopt};
 }

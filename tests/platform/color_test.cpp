@@ -58,6 +58,9 @@ TEST(ColorFromHexString, LengthsCountCharactersNotBytes) {
   EXPECT_EQ(Color::fromHexString("#12345é"), rgba(0x12345));
   // Eight bytes but seven characters.
   EXPECT_FALSE(Color::fromHexString("123456é"));
+  // A combining mark joins the character before it: six characters, so "FF" is appended; the
+  // scanner then stops at the mark, below the character level.
+  EXPECT_EQ(Color::fromHexString("#ff0000\u0301"), rgba(0xFF0000));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "geometry/grapheme_extend.h"
+#include "platform/grapheme_extend.h"
 
 #include <algorithm>
 #include <array>
