@@ -56,4 +56,21 @@ std::optional<std::string> readDocument(const std::string& file) {
   return text;
 }
 
+void addBatchOptions(CLI::App& command, int& jobs, RasterBackend& backend) {
+  command.add_option("-j,--jobs", jobs, "worker threads (default: the machine's hardware threads)")
+      ->check(CLI::Range(1, 256));
+  addBackendOption(command, backend);
+}
+
+void setGuardedCallback(CLI::App& command, int& exitCode, std::function<int()> run) {
+  command.callback([run = std::move(run), &exitCode] {
+    try {
+      exitCode = run();
+    } catch (const std::exception& e) {
+      printError(e.what());
+      exitCode = kExitUsage;
+    }
+  });
+}
+
 }  // namespace tessaline::cli

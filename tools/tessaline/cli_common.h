@@ -1,6 +1,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -22,5 +23,12 @@ void printError(const std::string& message);
 
 // `--backend native|cairo`: which rasterizer draws the images (native unless asked).
 void addBackendOption(CLI::App& command, RasterBackend& backend);
+
+// `-j,--jobs N` and `--backend NAME`, shared by every command that renders all symbols.
+void addBatchOptions(CLI::App& command, int& jobs, RasterBackend& backend);
+
+// Makes `run` the command's action: its result becomes the exit status, and an exception thrown
+// on the way (a failed write deep in a writer) becomes one error line and status 2.
+void setGuardedCallback(CLI::App& command, int& exitCode, std::function<int()> run);
 
 }  // namespace tessaline::cli

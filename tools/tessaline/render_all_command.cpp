@@ -162,19 +162,8 @@ void addRenderAllCommand(CLI::App& app, int& exitCode) {
   command
       ->add_option("-o,--output", options->directory, "folder to write into (created if missing)")
       ->required();
-  command
-      ->add_option("-j,--jobs", options->jobs,
-                   "worker threads (default: the machine's hardware threads)")
-      ->check(CLI::Range(1, 256));
-  addBackendOption(*command, options->backend);
-  command->callback([options, &exitCode] {
-    try {
-      exitCode = runRenderAll(*options);
-    } catch (const std::exception& e) {
-      printError(e.what());
-      exitCode = kExitUsage;
-    }
-  });
+  addBatchOptions(*command, options->jobs, options->backend);
+  setGuardedCallback(*command, exitCode, [options] { return runRenderAll(*options); });
 }
 
 }  // namespace tessaline::cli

@@ -102,19 +102,8 @@ void addReportCommand(CLI::App& app, int& exitCode) {
       ->add_option("-o,--output", options->directory,
                    "folder to write index.html and images/ into (created if missing)")
       ->required();
-  command
-      ->add_option("-j,--jobs", options->jobs,
-                   "worker threads (default: the machine's hardware threads)")
-      ->check(CLI::Range(1, 256));
-  addBackendOption(*command, options->backend);
-  command->callback([options, &exitCode] {
-    try {
-      exitCode = runReport(*options);
-    } catch (const std::exception& e) {
-      printError(e.what());
-      exitCode = kExitUsage;
-    }
-  });
+  addBatchOptions(*command, options->jobs, options->backend);
+  setGuardedCallback(*command, exitCode, [options] { return runReport(*options); });
 }
 
 }  // namespace tessaline::cli

@@ -69,19 +69,8 @@ void addSheetCommand(CLI::App& app, int& exitCode) {
       ->add_option("--cell", options->cell, "width of a cell in pixels; the key is written below")
       ->check(CLI::Range(ContactSheet::kMinCell, ContactSheet::kMaxCell))
       ->capture_default_str();
-  command
-      ->add_option("-j,--jobs", options->jobs,
-                   "worker threads (default: the machine's hardware threads)")
-      ->check(CLI::Range(1, 256));
-  addBackendOption(*command, options->backend);
-  command->callback([options, &exitCode] {
-    try {
-      exitCode = runSheet(*options);
-    } catch (const std::exception& e) {
-      printError(e.what());
-      exitCode = kExitUsage;
-    }
-  });
+  addBatchOptions(*command, options->jobs, options->backend);
+  setGuardedCallback(*command, exitCode, [options] { return runSheet(*options); });
 }
 
 }  // namespace tessaline::cli
