@@ -91,5 +91,25 @@ TEST(HostileDocuments, ParseRenderAndFree) {
   }
 }
 
+TEST(HostileDocuments, EntityTricksGiveAnEmptyTableQuickly) {
+  // Nested entities that would expand to 10^10 bytes are refused by the XML reader's
+  // amplification limit; an external entity is never fetched. Either way the document is not
+  // well-formed for us, and a malformed document gives an empty table.
+  std::string laughs = "<?xml version='1.0'?><!DOCTYPE svg [<!ENTITY a0 'xxxxxxxxxx'>";
+  for (int i = 1; i < 10; ++i) {
+    laughs += "<!ENTITY a" + std::to_string(i) + " '";
+    for (int j = 0; j < 10; ++j) laughs += "&a" + std::to_string(i - 1) + ";";
+    laughs += "'>";
+  }
+  laughs += "]><svg><symbol id='s' viewBox='0 0 24 24'><path d='&a9;'/></symbol></svg>";
+  const std::string external =
+      "<?xml version='1.0'?><!DOCTYPE svg [<!ENTITY x SYSTEM 'file:///etc/passwd'>]>"
+      "<svg><symbol id='s' viewBox='0 0 24 24'><path d='&x;'/></symbol></svg>";
+  for (const std::string& document : {laughs, external}) {
+    const SVGFile file(document);
+    EXPECT_TRUE(file.symbolDefinitions.empty());
+  }
+}
+
 }  // namespace
 }  // namespace tessaline
