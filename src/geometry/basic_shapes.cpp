@@ -89,7 +89,7 @@ DrawPathResult LineComponent::getDrawPath() const {
 }
 
 PolygonComponent::PolygonComponent(std::optional<std::string> id, std::string_view pointsText,
-                                   PresentationAttributes attributes)
+                                   ComponentAttributes attributes)
     : PresentationAttributeSVGComponent(std::move(id).value_or(""), std::move(attributes)) {
   // Spaces take precedence: "0,0 10,0" gives the components "0,0" and "10,0", each contributing
   // only its leading number. Commas separate only a text without any space.

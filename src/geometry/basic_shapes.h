@@ -15,8 +15,7 @@ namespace tessaline {
 
 class PathComponent final : public PresentationAttributeSVGComponent {
  public:
-  PathComponent(std::string id, PresentationAttributes attributes, std::string d,
-                std::string fillRule)
+  PathComponent(std::string id, ComponentAttributes attributes, std::string d, std::string fillRule)
       : PresentationAttributeSVGComponent(std::move(id), std::move(attributes)),
         d(std::move(d)),
         fillRule(std::move(fillRule)) {}
@@ -28,10 +27,15 @@ class PathComponent final : public PresentationAttributeSVGComponent {
 
 class RectComponent final : public PresentationAttributeSVGComponent {
  public:
-  RectComponent(std::string id, PresentationAttributes attributes, float x, float y,
+  RectComponent(std::string id, ComponentAttributes attributes, float x, float y,
                 std::optional<float> width, std::optional<float> height, float rx, float ry)
       : PresentationAttributeSVGComponent(std::move(id), std::move(attributes)),
-        x(x), y(y), width(width), height(height), rx(rx), ry(ry) {}
+        x(x),
+        y(y),
+        width(width),
+        height(height),
+        rx(rx),
+        ry(ry) {}
   DrawPathResult getDrawPath() const override;
 
   const float x;
@@ -44,10 +48,12 @@ class RectComponent final : public PresentationAttributeSVGComponent {
 
 class CircleComponent final : public PresentationAttributeSVGComponent {
  public:
-  CircleComponent(std::string id, PresentationAttributes attributes, std::optional<float> cx,
+  CircleComponent(std::string id, ComponentAttributes attributes, std::optional<float> cx,
                   std::optional<float> cy, std::optional<float> r)
       : PresentationAttributeSVGComponent(std::move(id), std::move(attributes)),
-        cx(cx), cy(cy), r(r) {}
+        cx(cx),
+        cy(cy),
+        r(r) {}
   DrawPathResult getDrawPath() const override;
 
   const std::optional<float> cx;
@@ -57,10 +63,13 @@ class CircleComponent final : public PresentationAttributeSVGComponent {
 
 class EllipseComponent final : public PresentationAttributeSVGComponent {
  public:
-  EllipseComponent(std::string id, PresentationAttributes attributes, std::optional<float> cx,
+  EllipseComponent(std::string id, ComponentAttributes attributes, std::optional<float> cx,
                    std::optional<float> cy, std::optional<float> rx, std::optional<float> ry)
       : PresentationAttributeSVGComponent(std::move(id), std::move(attributes)),
-        cx(cx), cy(cy), rx(rx), ry(ry) {}
+        cx(cx),
+        cy(cy),
+        rx(rx),
+        ry(ry) {}
   DrawPathResult getDrawPath() const override;
 
   const std::optional<float> cx;
@@ -71,10 +80,13 @@ class EllipseComponent final : public PresentationAttributeSVGComponent {
 
 class LineComponent final : public PresentationAttributeSVGComponent {
  public:
-  LineComponent(std::string id, PresentationAttributes attributes, float x1, float y1, float x2,
+  LineComponent(std::string id, ComponentAttributes attributes, float x1, float y1, float x2,
                 float y2)
       : PresentationAttributeSVGComponent(std::move(id), std::move(attributes)),
-        x1(x1), y1(y1), x2(x2), y2(y2) {}
+        x1(x1),
+        y1(y1),
+        x2(x2),
+        y2(y2) {}
   DrawPathResult getDrawPath() const override;
 
   const float x1;
@@ -87,7 +99,7 @@ class PolygonComponent final : public PresentationAttributeSVGComponent {
  public:
   // Parses the point list. An odd number of components is a deliberate fatal stop.
   PolygonComponent(std::optional<std::string> id, std::string_view pointsText,
-                   PresentationAttributes attributes);
+                   ComponentAttributes attributes);
   DrawPathResult getDrawPath() const override;
 
   std::vector<Point> points;

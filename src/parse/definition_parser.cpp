@@ -60,7 +60,8 @@ void closeGroup(Frame& frame) {
   }
 }
 
-void handleStartTag(std::deque<Frame>& frames, const SVGEvent& event) {
+void handleStartTag(std::deque<Frame>& frames, const SVGEvent& event,
+                    AttributeSetInterner& interner) {
   Frame& frame = frames.back();
   SVGDefinition& definition = *frame.definition;
   const std::optional<ElementKind> kind = elementKindForName(foldAsciiCase(event.name));
@@ -89,7 +90,7 @@ void handleStartTag(std::deque<Frame>& frames, const SVGEvent& event) {
       break;
     }
     default:
-      if (auto component = buildComponent(*kind, event, frame.inherited, definition)) {
+      if (auto component = buildComponent(*kind, event, frame.inherited, definition, interner)) {
         definition.svgComponents.push_back(std::move(component));
       }
       break;
@@ -126,6 +127,7 @@ void SVGDefinition::parseData(SVGXMLParserProtocol& parser,
                               const PresentationAttributes* symbolAttributes) {
   std::deque<Frame> frames;
   frames.emplace_back(this, nullptr, Frame::Kind::Outermost, "", symbolAttributes);
+  AttributeSetInterner interner;
   while (true) {
     const SVGEvent* event = parser.nextEvent();
     // The end of the events ends the innermost definition only; the enclosing one then reads on
@@ -136,7 +138,7 @@ void SVGDefinition::parseData(SVGXMLParserProtocol& parser,
     }
     switch (event->eventType) {
       case EventType::StartTag:
-        handleStartTag(frames, *event);
+        handleStartTag(frames, *event, interner);
         break;
       case EventType::EndTag: {
         const std::string folded = foldAsciiCase(event->name);

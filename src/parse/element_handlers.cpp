@@ -162,7 +162,7 @@ std::optional<float> optionalNumber(const std::string& slot) {
 }
 
 std::shared_ptr<SVGComponent> makeComponent(ElementKind kind, Slots& s,
-                                            PresentationAttributes attributes) {
+                                            ComponentAttributes attributes) {
   switch (kind) {
     case ElementKind::Path:
       return std::make_shared<PathComponent>(std::move(s[0]), std::move(attributes),
@@ -208,12 +208,13 @@ std::optional<ElementKind> elementKindForName(std::string_view foldedName) {
 
 std::shared_ptr<SVGComponent> buildComponent(ElementKind kind, const SVGEvent& event,
                                              const PresentationAttributes* inherited,
-                                             SVGDefinition& definition) {
+                                             SVGDefinition& definition,
+                                             AttributeSetInterner& interner) {
   PresentationAttributes attributes(inherited);
   const std::vector<std::string> consumed = attributes.parse(event);
   Slots slots;
   if (!sortAttributes(ruleFor(kind), event, consumed, slots, definition)) return nullptr;
-  return makeComponent(kind, slots, std::move(attributes));
+  return makeComponent(kind, slots, interner.intern(std::move(attributes)));
 }
 
 PresentationAttributes readGroupAttributes(const SVGEvent& event,

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "parse/attribute_set_interner.h"
 #include "parse/svg_component.h"
 #include "parse/svg_event.h"
 #include "style/presentation_attributes.h"
@@ -24,10 +25,12 @@ std::optional<ElementKind> elementKindForName(std::string_view foldedName);
 
 // A shape or `use` element (kinds Path to Use): its component, styled by a copy of `inherited`
 // with the tag's presentation attributes applied; nullptr when the element is invalid (a message
-// was added) or, for a path without data, silently dropped.
+// was added) or, for a path without data, silently dropped. Equal styling is shared through
+// `interner`.
 std::shared_ptr<SVGComponent> buildComponent(ElementKind kind, const SVGEvent& event,
                                              const PresentationAttributes* inherited,
-                                             SVGDefinition& definition);
+                                             SVGDefinition& definition,
+                                             AttributeSetInterner& interner);
 
 // A `g` element: the attribute set its children inherit (a copy of `inherited` with the tag's
 // presentation attributes applied). The group's own id is ignored.

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "parse/attribute_set_interner.h"
 #include "platform/geometry_types.h"
 #include "platform/path.h"
 #include "style/presentation_attributes.h"
@@ -43,9 +44,14 @@ class SVGComponent {
 
 // Base of every shape: owns the element's styling and draws the outline its subclass builds.
 class PresentationAttributeSVGComponent : public SVGComponent {
+  // Declared first: `attributes` refers to it.
+  const std::shared_ptr<const PresentationAttributes> sharedAttributes_;
+
  public:
-  PresentationAttributeSVGComponent(std::string id, PresentationAttributes attributes)
-      : SVGComponent(std::move(id)), attributes(std::move(attributes)) {}
+  PresentationAttributeSVGComponent(std::string id, ComponentAttributes attributes)
+      : SVGComponent(std::move(id)),
+        sharedAttributes_(std::move(attributes).take()),
+        attributes(*sharedAttributes_) {}
 
   std::optional<std::string> draw(SVGCanvasProtocol& canvas, const std::optional<Rect>& viewBox,
                                   const SVGFile& svgFile, const SVGDefinition& forSvg,
@@ -53,7 +59,7 @@ class PresentationAttributeSVGComponent : public SVGComponent {
 
   virtual DrawPathResult getDrawPath() const;
 
-  const PresentationAttributes attributes;
+  const PresentationAttributes& attributes;
 
  private:
   struct ClipResult {
@@ -66,13 +72,16 @@ class PresentationAttributeSVGComponent : public SVGComponent {
 
 // A `use` element: draws a component of the definition's `defs`, or another symbol.
 class UseComponent final : public SVGComponent {
+  const std::shared_ptr<const PresentationAttributes> sharedAttributes_;
+
  public:
   UseComponent(std::string id, std::string href, std::string hrefLink,
-                PresentationAttributes attributes)
+               ComponentAttributes attributes)
       : SVGComponent(std::move(id)),
+        sharedAttributes_(std::move(attributes).take()),
         href(std::move(href)),
         hrefLink(std::move(hrefLink)),
-        attributes(std::move(attributes)) {}
+        attributes(*sharedAttributes_) {}
 
   std::optional<std::string> draw(SVGCanvasProtocol& canvas, const std::optional<Rect>& viewBox,
                                   const SVGFile& svgFile, const SVGDefinition& forSvg,
@@ -80,7 +89,7 @@ class UseComponent final : public SVGComponent {
 
   const std::string href;
   const std::string hrefLink;
-  const PresentationAttributes attributes;
+  const PresentationAttributes& attributes;
 
  private:
   std::optional<std::string> getLinkKey() const;

@@ -37,10 +37,12 @@ bool readXml(std::string_view text, XmlReaderCallbacks& callbacks) {
   XML_SetUserData(parser.get(), &callbacks);
   XML_SetElementHandler(parser.get(), onStart, onEnd);
 
-  // The document is always handed over whole. XML_Parse takes an int length, so only a text past
-  // INT_MAX bytes is split, and the final flag marks its last piece.
+  // Handed over in pieces: expat copies what it is given into a buffer of its own, and a whole
+  // document at once would double the memory a large sprite costs. The final flag marks the last
+  // piece; the events are the same however the text is cut.
+  constexpr std::size_t kPieceBytes = 64 * 1024;
   do {
-    const std::size_t length = std::min<std::size_t>(text.size(), INT_MAX);
+    const std::size_t length = std::min(text.size(), kPieceBytes);
     const bool isFinal = length == text.size();
     if (XML_Parse(parser.get(), text.data(), static_cast<int>(length),
                   isFinal ? XML_TRUE : XML_FALSE) != XML_STATUS_OK) {
