@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "parse/attribute_set_interner.h"
 #include "parse/svg_definition.h"
 #include "parse/svg_xml_parser.h"
 #include "platform/ascii_case.h"
@@ -40,7 +41,8 @@ std::optional<Rect> readViewBox(std::string_view value) {
 
 // Reads one symbol start tag into a new definition and parses its content. nullptr when the tag
 // has no id: its content is then left to the document loop.
-std::shared_ptr<SVGDefinition> readSymbol(const SVGEvent& tag, SVGXMLParser& parser) {
+std::shared_ptr<SVGDefinition> readSymbol(const SVGEvent& tag, SVGXMLParser& parser,
+                                          AttributeSetInterner& interner) {
   auto definition = std::make_shared<SVGDefinition>();
   PresentationAttributes symbolAttributes;
   const std::vector<std::string> consumed = symbolAttributes.parse(tag);
@@ -74,7 +76,7 @@ std::shared_ptr<SVGDefinition> readSymbol(const SVGEvent& tag, SVGXMLParser& par
     // Units such as "px" fall away in the lenient conversion.
     definition->viewBox = Rect{0, 0, readLenientFloat(*width), readLenientFloat(*height)};
   }
-  definition->parseData(parser, &symbolAttributes);
+  definition->parseData(parser, &symbolAttributes, &interner);
   return definition;
 }
 
@@ -82,13 +84,15 @@ std::shared_ptr<SVGDefinition> readSymbol(const SVGEvent& tag, SVGXMLParser& par
 
 SVGFile::SVGFile(std::string_view rawFile) {
   SVGXMLParser parser(rawFile);
+  // Sprites repeat the same styling across symbols as much as within one.
+  AttributeSetInterner interner;
   // Only symbols become entries; every other element is walked past, so a symbol nested in any
   // other element (outside a symbol) is still found.
   for (const SVGEvent* event = parser.nextEvent();
        event != nullptr && event->eventType != EventType::EndOfDocument;
        event = parser.nextEvent()) {
     if (event->eventType != EventType::StartTag || foldAsciiCase(event->name) != "symbol") continue;
-    if (std::shared_ptr<SVGDefinition> definition = readSymbol(*event, parser)) {
+    if (std::shared_ptr<SVGDefinition> definition = readSymbol(*event, parser, interner)) {
       // A later symbol with the same id replaces the earlier one.
       const std::string key = definition->id;
       symbolDefinitions.insert_or_assign(key, std::move(definition));

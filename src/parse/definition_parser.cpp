@@ -124,10 +124,12 @@ bool endsDefinition(std::string_view foldedName) {
 }  // namespace
 
 void SVGDefinition::parseData(SVGXMLParserProtocol& parser,
-                              const PresentationAttributes* symbolAttributes) {
+                              const PresentationAttributes* symbolAttributes,
+                              AttributeSetInterner* sharedInterner) {
   std::deque<Frame> frames;
   frames.emplace_back(this, nullptr, Frame::Kind::Outermost, "", symbolAttributes);
-  AttributeSetInterner interner;
+  AttributeSetInterner localInterner;
+  AttributeSetInterner& interner = sharedInterner ? *sharedInterner : localInterner;
   while (true) {
     const SVGEvent* event = parser.nextEvent();
     // The end of the events ends the innermost definition only; the enclosing one then reads on

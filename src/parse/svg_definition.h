@@ -14,6 +14,7 @@
 namespace tessaline {
 
 class SVGXMLParserProtocol;
+class AttributeSetInterner;
 class SVGCanvasProtocol;
 class SVGFile;
 
@@ -30,8 +31,10 @@ class SVGDefinition {
 
   // Consumes events up to and including the end tag that closes this definition ("symbol",
   // "defs" or "clippath", whichever) or the end of the events. The caller has already consumed
-  // the definition's own start tag.
-  void parseData(SVGXMLParserProtocol& parser, const PresentationAttributes* symbolAttributes);
+  // the definition's own start tag. Components with equal styling share one copy through
+  // `interner`; a document passes one for all its symbols (null: one for this call).
+  void parseData(SVGXMLParserProtocol& parser, const PresentationAttributes* symbolAttributes,
+                 AttributeSetInterner* interner = nullptr);
 
   // Draws every component with the inherited styling, scaled from this definition's box into
   // `overrideViewBox` when both are present; returns this definition's parse errors followed by

@@ -17,11 +17,7 @@ struct ParserDeleter {
 using ParserHandle = std::unique_ptr<std::remove_pointer_t<XML_Parser>, ParserDeleter>;
 
 void XMLCALL onStart(void* userData, const XML_Char* name, const XML_Char** attributes) {
-  XmlReaderCallbacks::Attributes list;
-  for (const XML_Char** entry = attributes; entry[0] != nullptr; entry += 2) {
-    list.emplace_back(entry[0], entry[1]);
-  }
-  static_cast<XmlReaderCallbacks*>(userData)->start(name, std::move(list));
+  static_cast<XmlReaderCallbacks*>(userData)->start(name, attributes);
 }
 
 void XMLCALL onEnd(void* userData, const XML_Char* name) {

@@ -10,7 +10,9 @@ namespace tessaline {
 // Receives the element events of one XML document, in document order.
 class XmlReaderCallbacks {
  public:
-  using Attributes = std::vector<std::pair<std::string, std::string>>;
+  // Alternating names and values, in document order, ending with a null pointer: the reader's
+  // own array, valid during the call only.
+  using Attributes = const char* const*;
 
   virtual ~XmlReaderCallbacks() = default;
   // An element start: its name exactly as written (prefix included) and its attributes in

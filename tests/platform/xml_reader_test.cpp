@@ -13,7 +13,9 @@ class Transcript final : public XmlReaderCallbacks {
  public:
   void start(std::string_view name, Attributes attributes) override {
     std::string line = "+" + std::string(name);
-    for (const auto& [key, value] : attributes) line += " " + key + "=" + value;
+    for (Attributes entry = attributes; entry[0] != nullptr; entry += 2) {
+      line += std::string(" ") + entry[0] + "=" + entry[1];
+    }
     lines.push_back(line);
   }
   void end(std::string_view name) override { lines.push_back("-" + std::string(name)); }
