@@ -2,9 +2,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "parse/svg_event.h"
 
@@ -22,9 +22,10 @@ class SVGXMLParserProtocol {
 // Reads the whole document once, when constructed, recording StartOfDocument, every element start
 // and end, and EndOfDocument. A document that is not well-formed yields no events at all.
 //
-// The recording is compact (one text buffer and small fixed-size records, rather than strings
-// and vectors per element): it is held in full while the document's definitions are built, and
-// for a sprite of many small elements it would otherwise cost several times the document.
+// The recording is compact: names and values go into large text chunks and each event or
+// attribute is a small fixed-size record, rather than strings and vectors per element. What has
+// been handed out is released as reading goes on, so the recording and the definitions built
+// from it are never both held in full: a parsed sprite costs a few times its text, not ten.
 class SVGXMLParser final : public SVGXMLParserProtocol {
  public:
   explicit SVGXMLParser(std::string_view svgXml);
@@ -36,30 +37,35 @@ class SVGXMLParser final : public SVGXMLParserProtocol {
   void recordEnd(std::string_view name);
 
  private:
+  // Where a recorded text starts: a chunk (counted from the first ever made) and an offset in it.
+  struct TextRef {
+    std::uint32_t chunk;
+    std::uint32_t offset;
+  };
   struct RecordedEvent {
-    std::size_t nameOffset;
+    TextRef name;
     std::uint32_t nameLength;
     std::uint32_t attributeCount;
     EventType eventType;
   };
-  // A name and its value, stored one after the other in text_.
+  // A name and its value, stored one right after the other.
   struct RecordedAttribute {
-    std::size_t offset;
+    TextRef text;
     std::uint32_t nameLength;
     std::uint32_t valueLength;
   };
 
-  std::size_t append(std::string_view text);
+  TextRef append(std::string_view first, std::string_view second = {});
+  std::string_view textAt(TextRef ref, std::size_t length) const;
   std::uint32_t narrow(std::size_t length);
-  std::string_view textAt(std::size_t offset, std::size_t length) const;
+  void releaseChunksBefore(std::uint32_t chunk);
 
   bool successfulParse_ = false;
   bool oversized_ = false;
-  std::string text_;
-  std::vector<RecordedEvent> parsedEvents_;
-  std::vector<RecordedAttribute> attributes_;
-  std::size_t parsedEventIndex_ = 0;
-  std::size_t nextAttribute_ = 0;
+  std::deque<std::string> chunks_;
+  std::uint32_t firstChunk_ = 0;  // the number of chunks already released
+  std::deque<RecordedEvent> parsedEvents_;
+  std::deque<RecordedAttribute> attributes_;
   // The event handed out last, rebuilt in place so its buffers are reused.
   SVGEvent current_;
 };
