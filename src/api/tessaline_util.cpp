@@ -32,7 +32,7 @@ TessalineResponse TessalineUtil::loadSVGImage(const TessalineRequest& rasterizeR
       if (error && !error->empty()) errors.push_back(std::move(*error));
     }
   }
-  return TessalineResponse(rasterizeRequest.key, context->image(), std::move(errors));
+  return TessalineResponse(rasterizeRequest.key, context->takeImage(), std::move(errors));
 }
 
 }  // namespace tessaline

@@ -36,6 +36,9 @@ class RasterContext {
 
   // The pixels drawn so far as straight-alpha RGBA.
   virtual Image image() const = 0;
+  // The same pixels for a context that draws no more: a backend may hand over its own buffer
+  // instead of copying it. Nothing may be drawn afterwards.
+  virtual Image takeImage() { return image(); }
 };
 
 std::unique_ptr<RasterContext> makeRasterContext(RasterBackend backend, int width, int height);

@@ -67,6 +67,39 @@ TEST(PngEncoder, WritesTheSameBytesToAFile) {
   EXPECT_EQ(*decoded, image);
 }
 
+// Icons with up to 256 distinct colours are written indexed, others as RGBA; both must decode to
+// the very same straight-alpha pixels, and an icon must stay a small file.
+TEST(PngEncoder, RoundTripsFewAndManyColoursExactly) {
+  Image icon(256, 256);  // a translucent disc with a soft edge on transparent ground
+  for (int y = 0; y < 256; ++y) {
+    for (int x = 0; x < 256; ++x) {
+      const int d2 = (x - 128) * (x - 128) + (y - 128) * (y - 128);
+      if (d2 < 88 * 88) {
+        icon.setPixel(x, y, {30, 90, 200, 180});
+      } else if (d2 < 90 * 90) {
+        icon.setPixel(x, y, {30, 90, 200, static_cast<std::uint8_t>(d2 % 97 + 1)});
+      }
+    }
+  }
+  Image manyColours(40, 30);  // 1200 distinct values, beyond any palette
+  for (int y = 0; y < manyColours.height(); ++y) {
+    for (int x = 0; x < manyColours.width(); ++x) {
+      manyColours.setPixel(x, y,
+                           {static_cast<std::uint8_t>(x), static_cast<std::uint8_t>(y), 7,
+                            static_cast<std::uint8_t>(255 - x)});
+    }
+  }
+  for (const Image* image : {&icon, &manyColours}) {
+    SCOPED_TRACE(image->width());
+    const auto png = image->encodePng();
+    ASSERT_TRUE(png.has_value());
+    const auto decoded = decode(*png);
+    ASSERT_TRUE(decoded.has_value());
+    EXPECT_EQ(*decoded, *image);
+  }
+  EXPECT_LT(icon.encodePng()->size(), 16u * 1024);
+}
+
 TEST(PngEncoder, FailuresAreReportedNotThrown) {
   EXPECT_FALSE(Image(0, 0).encodePng().has_value());
   EXPECT_FALSE(Image(0, 0).writePng("/tmp/never-written.png"));

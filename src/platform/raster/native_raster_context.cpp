@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 #include "platform/raster/curve_flattener.h"
 #include "platform/raster/solid_painter.h"
@@ -20,9 +21,7 @@ Rect toRect(const PixelBox& box) {
 NativeRasterContext::NativeRasterContext(int width, int height)
     : width_(std::max(width, 0)),
       height_(std::max(height, 0)),
-      pixels_(std::make_unique_for_overwrite<PremultipliedPixel[]>(
-          static_cast<std::size_t>(width_) * height_)),
-      rowReady_(static_cast<std::size_t>(height_), 0),
+      canvas_(width_, height_),
       clips_(width_, height_),
       rasterizer_(width_, height_) {}
 
@@ -62,56 +61,38 @@ void NativeRasterContext::stroke(const Path& path, const StrokeStyle& style, con
 void NativeRasterContext::paint(FillRule rule, const FlatPath& shape, const Color& color) {
   const PremultipliedPixel source = premultiply(color);
   if (alphaOf(source) == 0) return;  // premultiplied, so every channel is 0: nothing changes
+  if (taken_) return;
   rasterizer_.begin(clips_.box());
   rasterizer_.addPath(shape);
   const PixelBox bounds = rasterizer_.bounds();
   if (bounds.empty()) return;
-  for (int y = bounds.y0; y < bounds.y1; ++y) {
-    if (rowReady_[y]) continue;
-    std::memset(pixels_.get() + static_cast<std::size_t>(y) * width_, 0,
-                static_cast<std::size_t>(width_) * sizeof(PremultipliedPixel));
-    rowReady_[y] = 1;
-  }
   painted_ = painted_.empty()
                  ? bounds
                  : PixelBox{std::min(painted_.x0, bounds.x0), std::min(painted_.y0, bounds.y0),
                             std::max(painted_.x1, bounds.x1), std::max(painted_.y1, bounds.y1)};
   if (clips_.mask() != nullptr) {
-    SolidPainter<true> painter(pixels_.get(), width_, source, clips_.mask());
+    SolidPainter<true> painter(pixels(), width_, source, clips_.mask());
     rasterizer_.sweep(rule, painter);
   } else {
-    SolidPainter<false> painter(pixels_.get(), width_, source, nullptr);
+    SolidPainter<false> painter(pixels(), width_, source, nullptr);
     rasterizer_.sweep(rule, painter);
   }
 }
 
 Image NativeRasterContext::image() const {
-  Image out(width_, height_);
-  const int x0 = painted_.x0, x1 = painted_.x1;
-  // Icons are mostly flat colour: runs of one pixel value convert once. The bounds live in
-  // locals because every byte stored into the image might otherwise alias them.
-  PremultipliedPixel last = 0;
-  std::uint8_t converted[4] = {0, 0, 0, 0};
-  for (int y = painted_.y0; y < painted_.y1; ++y) {
-    if (!rowReady_[y]) continue;
-    const std::size_t offset = static_cast<std::size_t>(y) * width_;
-    const PremultipliedPixel* row = pixels_.get() + offset;
-    std::uint8_t* rgba = out.bytes().data() + offset * 4;
-    for (int x = x0; x < x1;) {
-      const PremultipliedPixel p = row[x];
-      int end = x + 1;
-      while (end < x1 && row[end] == p) ++end;
-      if (p != 0) {
-        if (p != last) {
-          unpremultiply(p, converted);
-          last = p;
-        }
-        for (int i = x; i < end; ++i) std::memcpy(rgba + 4 * i, converted, 4);
-      }
-      x = end;
-    }
-  }
+  if (taken_) return Image(width_, height_);
+  Image out = canvas_;
+  unpremultiplyInPlace(out.bytes().data(), width_, painted_.x0, painted_.y0, painted_.x1,
+                       painted_.y1);
   return out;
+}
+
+Image NativeRasterContext::takeImage() {
+  if (taken_) return Image(width_, height_);
+  unpremultiplyInPlace(canvas_.bytes().data(), width_, painted_.x0, painted_.y0, painted_.x1,
+                       painted_.y1);
+  taken_ = true;
+  return std::move(canvas_);
 }
 
 std::unique_ptr<RasterContext> makeNativeRasterContext(int width, int height) {

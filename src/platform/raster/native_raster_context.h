@@ -34,6 +34,8 @@ class NativeRasterContext final : public RasterContext {
   void fill(const Path& path, FillRule rule, const Color& color) override;
   void stroke(const Path& path, const StrokeStyle& style, const Color& color) override;
   Image image() const override;
+  // Converts the canvas in place and hands it over; the context draws nothing afterwards.
+  Image takeImage() override;
 
   int width() const { return width_; }
   int height() const { return height_; }
@@ -41,13 +43,17 @@ class NativeRasterContext final : public RasterContext {
  private:
   void paint(FillRule rule, const FlatPath& shape, const Color& color);
 
+  PremultipliedPixel* pixels() {
+    return reinterpret_cast<PremultipliedPixel*>(canvas_.bytes().data());
+  }
+
   int width_;
   int height_;
-  // Left uninitialised: a row is cleared when first painted (rowReady_), so rows nothing reaches
-  // are never touched, neither here nor by image(), and cost no memory traffic at all.
-  std::unique_ptr<PremultipliedPixel[]> pixels_;
-  std::vector<std::uint8_t> rowReady_;
+  // The canvas holds premultiplied pixels in the buffer of the image it becomes: takeImage()
+  // converts them in place, so a rendering allocates and clears one bitmap, not two.
+  Image canvas_;
   PixelBox painted_;  // every pixel outside is still transparent
+  bool taken_ = false;
   ClipStack clips_;
   CoverageRasterizer rasterizer_;
   Stroker stroker_;

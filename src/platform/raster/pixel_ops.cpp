@@ -1,6 +1,9 @@
 #include "platform/raster/pixel_ops.h"
 
 #include <array>
+#include <bit>
+#include <cstddef>
+#include <cstring>
 
 namespace tessaline {
 namespace {
@@ -54,6 +57,50 @@ void unpremultiply(PremultipliedPixel p, std::uint8_t* rgba) {
     rgba[2] = divideByAlpha(p & 0xff, a);
   }
   rgba[3] = static_cast<std::uint8_t>(a);
+}
+
+void unpremultiplyInPlace(std::uint8_t* canvas, int stride, int x0, int y0, int x1, int y1) {
+  // Icons are mostly empty or flat opaque colour: two pixels that are both transparent stay as
+  // they are, two that are both opaque only swap red and blue, and of the rest a run of one value
+  // is divided once.
+  constexpr std::uint64_t kLowBytes = 0x000000ff000000ffu;
+  PremultipliedPixel last = 0;
+  std::uint8_t converted[4] = {0, 0, 0, 0};
+  auto convert = [&](std::uint8_t* at) {
+    PremultipliedPixel p;
+    std::memcpy(&p, at, sizeof p);
+    if (p == 0) return;
+    if (p != last) {
+      unpremultiply(p, converted);
+      last = p;
+    }
+    std::memcpy(at, converted, sizeof converted);
+  };
+  for (int y = y0; y < y1; ++y) {
+    std::uint8_t* row = canvas + static_cast<std::size_t>(y) * static_cast<std::size_t>(stride) * 4;
+    int x = x0;
+    if constexpr (std::endian::native == std::endian::little) {
+      for (; x + 2 <= x1; x += 2) {
+        std::uint8_t* at = row + static_cast<std::size_t>(x) * 4;
+        std::uint64_t pair;
+        std::memcpy(&pair, at, sizeof pair);
+        // (a + 1) & 0xfe is 0 exactly for a = 0 and a = 255: then swapping red and blue is the
+        // whole conversion (a transparent pixel is all zeros and stays so), stored unconditionally
+        // so that the common case takes no branch that depends on the picture.
+        const std::uint32_t alphas = (static_cast<std::uint32_t>((pair >> 24) & 0xff) + 1) |
+                                     (static_cast<std::uint32_t>(pair >> 56) + 1);
+        if ((alphas & 0xfe) == 0) {
+          pair = (pair & ~(kLowBytes | kLowBytes << 16)) | ((pair >> 16) & kLowBytes) |
+                 ((pair & kLowBytes) << 16);
+          std::memcpy(at, &pair, sizeof pair);
+          continue;
+        }
+        convert(at);
+        convert(at + 4);
+      }
+    }
+    for (; x < x1; ++x) convert(row + static_cast<std::size_t>(x) * 4);
+  }
 }
 
 }  // namespace tessaline

@@ -55,4 +55,8 @@ PremultipliedPixel premultiply(const Color& color);
 // rounded to nearest, and a transparent pixel is (0, 0, 0, 0).
 void unpremultiply(PremultipliedPixel p, std::uint8_t* rgba);
 
+// Turns the premultiplied pixels of rows y0...y1 - 1, columns x0...x1 - 1, of a canvas `stride`
+// pixels wide into straight-alpha RGBA bytes where they lie, exactly as unpremultiply does.
+void unpremultiplyInPlace(std::uint8_t* canvas, int stride, int x0, int y0, int x1, int y1);
+
 }  // namespace tessaline

@@ -1,0 +1,54 @@
+// Parsing whole fetched sprites: throughput in bytes per second of document text, and what the
+// parsed table keeps on the heap relative to the document's size.
+#include <expat.h>
+#include <malloc.h>
+
+#include "bench_data.h"
+#include "tessaline/tessaline.h"
+
+namespace tessaline::bench {
+namespace {
+
+void BM_ParseSprite(benchmark::State& state) {
+  const std::optional<std::string> text = loadSpriteFor(state);
+  if (!text) return;
+  std::size_t symbols = 0;
+  for (auto _ : state) {
+    const SVGFile file(*text);
+    symbols = file.symbolDefinitions.size();
+    benchmark::DoNotOptimize(symbols);
+  }
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * text->size()));
+  state.counters["symbols"] = static_cast<double>(symbols);
+  // Heap held by one parsed file, as a multiple of the document's size (the text itself is
+  // allocated before the measurement and not counted).
+  const std::size_t before = mallinfo2().uordblks;
+  {
+    const SVGFile file(*text);
+    state.counters["heap_x_doc"] =
+        static_cast<double>(mallinfo2().uordblks - before) / static_cast<double>(text->size());
+  }
+}
+BENCHMARK(BM_ParseSprite)->DenseRange(0, kSpriteCount - 1)->Unit(benchmark::kMillisecond);
+
+// The same documents through expat alone with empty handlers for elements and text: the floor
+// any XML-based parse stands on, and the machine-independent yardstick for BM_ParseSprite
+// (scripts compare the two rates rather than megabytes per second across machines).
+void BM_ExpatScanSprite(benchmark::State& state) {
+  const std::optional<std::string> text = loadSpriteFor(state);
+  if (!text) return;
+  for (auto _ : state) {
+    XML_Parser parser = XML_ParserCreate(nullptr);
+    XML_SetElementHandler(
+        parser, [](void*, const XML_Char*, const XML_Char**) {}, [](void*, const XML_Char*) {});
+    XML_SetCharacterDataHandler(parser, [](void*, const XML_Char*, int) {});
+    benchmark::DoNotOptimize(
+        XML_Parse(parser, text->data(), static_cast<int>(text->size()), XML_TRUE));
+    XML_ParserFree(parser);
+  }
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * text->size()));
+}
+BENCHMARK(BM_ExpatScanSprite)->DenseRange(0, kSpriteCount - 1)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace tessaline::bench
