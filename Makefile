@@ -56,3 +56,28 @@ fuzz: bootstrap
 	@build-fuzz/tessaline_fuzz -max_total_time=$(FUZZ_SECONDS) -max_len=65536 -timeout=10 \
 	  -rss_limit_mb=4096 -artifact_prefix=build-fuzz/crashes/ -dict=tests/fuzz/svg.dict $(FUZZ_FLAGS) \
 	  fuzz-corpus tests/fuzz/seeds tests/data
+
+# Benchmarks, from a Release build of their own in build-bench. `make bench` prints Google
+# Benchmark's table and, where librsvg2-dev is installed, the side-by-side comparison with
+# librsvg; the whole-sprite figures need scripts/fetch-bench-data first. `make bench-check`
+# measures the ratios recorded in bench/baseline.json and fails on a regression of more than 25%
+# (BENCH_CHECK_FLAGS=--update records new ones). Figures depend on the machine: not part of CI.
+BENCH_BUILD ?= build-bench
+BENCH_SPRITES = bench/data/bootstrap-icons.svg bench/data/tabler-sprite.svg bench/data/fontawesome-solid.svg
+BENCH_CHECK_FLAGS ?=
+.PHONY: bench bench-build bench-check
+bench-build: bootstrap
+	@cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=Release -DTESSALINE_BUILD_BENCH=ON \
+	  -DTESSALINE_BUILD_TESTS=OFF >/dev/null
+	@cmake --build $(BENCH_BUILD) --target tessaline_benchmarks -j $(JOBS)
+
+bench: bench-build
+	@$(BENCH_BUILD)/bench/tessaline_bench --benchmark_counters_tabular=true
+	@if [ ! -x $(BENCH_BUILD)/bench/compare/tessaline_rsvg_compare ]; then \
+	  echo "bench: librsvg2-dev not installed, no side-by-side comparison"; \
+	elif [ ! -s bench/data/bootstrap-icons.svg ]; then \
+	  echo "bench: bench/data missing, run scripts/fetch-bench-data for the comparison"; \
+	else $(BENCH_BUILD)/bench/compare/tessaline_rsvg_compare $(BENCH_SPRITES); fi
+
+bench-check: bench-build
+	@python3 bench/bench_check.py --build $(BENCH_BUILD) $(BENCH_CHECK_FLAGS)
