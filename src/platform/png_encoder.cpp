@@ -52,9 +52,19 @@ bool buildPalette(const Image& image, Palette& palette) {
   palette.indices.resize(pixels);
   const std::uint8_t* rgba = image.bytes().data();
   std::uint32_t last = 0;
+  std::uint64_t lastPair = 0;  // two pixels of value `last`
   std::uint8_t lastIndex = 0;
   bool haveLast = false;
-  for (std::size_t i = 0; i < pixels; ++i) {
+  for (std::size_t i = 0; i < pixels;) {
+    if (haveLast && i + 4 <= pixels) {  // within a run, four pixels at a time
+      std::uint64_t pairs[2];
+      std::memcpy(pairs, rgba + 4 * i, sizeof pairs);
+      if (pairs[0] == lastPair && pairs[1] == lastPair) {
+        std::memset(palette.indices.data() + i, lastIndex, 4);
+        i += 4;
+        continue;
+      }
+    }
     std::uint32_t value;
     std::memcpy(&value, rgba + 4 * i, sizeof value);
     if (!haveLast || value != last) {
@@ -68,10 +78,14 @@ bool buildPalette(const Image& image, Palette& palette) {
         palette.colors[static_cast<std::size_t>(palette.count++)] = value;
       }
       last = value;
+      std::uint8_t twice[8];
+      std::memcpy(twice, rgba + 4 * i, 4);
+      std::memcpy(twice + 4, rgba + 4 * i, 4);
+      std::memcpy(&lastPair, twice, sizeof lastPair);
       lastIndex = slotIndex[slot];
       haveLast = true;
     }
-    palette.indices[i] = lastIndex;
+    palette.indices[i++] = lastIndex;
   }
   return true;
 }

@@ -84,6 +84,19 @@ TEST(NativeRasterContext, CompositesSourceOverAndReturnsStraightAlpha) {
   expectPixel(image, 4, 50, {0, 0, 255, 255});  // opaque replaces
 }
 
+// Handing the canvas over converts it where it lies: the same pixels as image(), and once taken
+// the context hands out and draws nothing more.
+TEST(NativeRasterContext, TakenImageIsTheImageAndEndsDrawing) {
+  NativeRasterContext context(kSize, kSize);
+  context.fill(rectPath(3.5, 3.25, 40, 30), FillRule::Winding, kRed.withAlpha(0.6));
+  context.fill(rectPath(20, 10.5, 30, 40), FillRule::Winding, kBlue);
+  const Image copy = context.image();
+  EXPECT_EQ(context.image(), copy) << "image() must leave the canvas as it was";
+  EXPECT_EQ(context.takeImage(), copy);
+  context.fill(rectPath(0, 0, kSize, kSize), FillRule::Winding, kRed);
+  EXPECT_EQ(context.takeImage(), Image(kSize, kSize));
+}
+
 TEST(NativeRasterContext, PartialCoverageScalesTheColour) {
   NativeRasterContext context(kSize, kSize);
   context.fill(rectPath(10.5, 10, 10, 10), FillRule::Winding, kRed);

@@ -5,6 +5,10 @@
 #include <cstddef>
 #include <cstring>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace tessaline {
 namespace {
 
@@ -60,10 +64,10 @@ void unpremultiply(PremultipliedPixel p, std::uint8_t* rgba) {
 }
 
 void unpremultiplyInPlace(std::uint8_t* canvas, int stride, int x0, int y0, int x1, int y1) {
-  // Icons are mostly empty or flat opaque colour: two pixels that are both transparent stay as
-  // they are, two that are both opaque only swap red and blue, and of the rest a run of one value
-  // is divided once.
-  constexpr std::uint64_t kLowBytes = 0x000000ff000000ffu;
+  // Icons are mostly empty space and flat opaque colour, and for a pixel whose alpha is 0 (all
+  // channels are then 0) or 255 the conversion only swaps red and blue. Blocks of such pixels are
+  // swapped without a branch that depends on the picture; of the other pixels, a run of one
+  // value is divided once.
   PremultipliedPixel last = 0;
   std::uint8_t converted[4] = {0, 0, 0, 0};
   auto convert = [&](std::uint8_t* at) {
@@ -79,14 +83,34 @@ void unpremultiplyInPlace(std::uint8_t* canvas, int stride, int x0, int y0, int 
   for (int y = y0; y < y1; ++y) {
     std::uint8_t* row = canvas + static_cast<std::size_t>(y) * static_cast<std::size_t>(stride) * 4;
     int x = x0;
+#if defined(__SSE2__)
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i full = _mm_set1_epi32(255);
+    const __m128i lowByte = _mm_set1_epi32(0xff);
+    const __m128i alphaGreen = _mm_set1_epi32(static_cast<int>(0xff00ff00u));
+    for (; x + 4 <= x1; x += 4) {
+      std::uint8_t* at = row + static_cast<std::size_t>(x) * 4;
+      const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+      const __m128i alpha = _mm_srli_epi32(v, 24);
+      const __m128i settled =
+          _mm_or_si128(_mm_cmpeq_epi32(alpha, zero), _mm_cmpeq_epi32(alpha, full));
+      if (_mm_movemask_epi8(settled) == 0xffff) {
+        const __m128i red = _mm_and_si128(_mm_srli_epi32(v, 16), lowByte);
+        const __m128i blue = _mm_slli_epi32(_mm_and_si128(v, lowByte), 16);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(at),
+                         _mm_or_si128(_mm_and_si128(v, alphaGreen), _mm_or_si128(red, blue)));
+        continue;
+      }
+      for (int k = 0; k < 4; ++k) convert(at + 4 * k);
+    }
+#else
     if constexpr (std::endian::native == std::endian::little) {
+      constexpr std::uint64_t kLowBytes = 0x000000ff000000ffu;
       for (; x + 2 <= x1; x += 2) {
         std::uint8_t* at = row + static_cast<std::size_t>(x) * 4;
         std::uint64_t pair;
         std::memcpy(&pair, at, sizeof pair);
-        // (a + 1) & 0xfe is 0 exactly for a = 0 and a = 255: then swapping red and blue is the
-        // whole conversion (a transparent pixel is all zeros and stays so), stored unconditionally
-        // so that the common case takes no branch that depends on the picture.
+        // (a + 1) & 0xfe is 0 exactly for a = 0 and a = 255.
         const std::uint32_t alphas = (static_cast<std::uint32_t>((pair >> 24) & 0xff) + 1) |
                                      (static_cast<std::uint32_t>(pair >> 56) + 1);
         if ((alphas & 0xfe) == 0) {
@@ -99,6 +123,7 @@ void unpremultiplyInPlace(std::uint8_t* canvas, int stride, int x0, int y0, int 
         convert(at + 4);
       }
     }
+#endif
     for (; x < x1; ++x) convert(row + static_cast<std::size_t>(x) * 4);
   }
 }

@@ -1,0 +1,59 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <random>
+#include <vector>
+
+#include "platform/raster/pixel_ops.h"
+
+namespace tessaline {
+namespace {
+
+// The in-place conversion takes shortcuts for blocks of pixels whose alpha is 0 or 255; every
+// pixel must still come out exactly as unpremultiply gives it, whatever mix a block holds and
+// wherever the box starts and ends, and pixels outside the box must stay untouched.
+TEST(RasterPixelOps, InPlaceConversionMatchesPixelByPixel) {
+  constexpr int kWidth = 37, kHeight = 9;
+  std::mt19937 engine(7);
+  std::vector<PremultipliedPixel> pixels(kWidth * kHeight);
+  for (std::size_t i = 0; i < pixels.size(); ++i) {
+    // Rows alternate between runs of opaque and transparent pixels and a mix with translucent
+    // ones, so blocks of every kind and runs of one value occur.
+    const int row = static_cast<int>(i) / kWidth;
+    std::uint32_t alpha;
+    if (row % 3 == 0) {
+      alpha = (i / 5) % 2 ? 255 : 0;
+    } else if (row % 3 == 1) {
+      alpha = engine() % 256;
+    } else {
+      alpha = (i / 3) % 4 == 0 ? engine() % 256 : 255;
+    }
+    const auto channel = [&] { return alpha == 0 ? 0 : engine() % (alpha + 1); };
+    pixels[i] = alpha << 24 | channel() << 16 | channel() << 8 | channel();
+  }
+  for (const auto& [x0, y0, x1, y1] :
+       {std::array{0, 0, kWidth, kHeight}, std::array{3, 1, 30, 8}, std::array{5, 2, 6, 3}}) {
+    SCOPED_TRACE(testing::Message() << x0 << "," << y0 << " to " << x1 << "," << y1);
+    std::vector<std::uint8_t> canvas(pixels.size() * 4);
+    std::memcpy(canvas.data(), pixels.data(), canvas.size());
+    unpremultiplyInPlace(canvas.data(), kWidth, x0, y0, x1, y1);
+    for (int y = 0; y < kHeight; ++y) {
+      for (int x = 0; x < kWidth; ++x) {
+        const std::size_t i = static_cast<std::size_t>(y) * kWidth + x;
+        std::uint8_t expected[4];
+        if (x >= x0 && x < x1 && y >= y0 && y < y1) {
+          unpremultiply(pixels[i], expected);
+        } else {
+          std::memcpy(expected, &pixels[i], 4);
+        }
+        ASSERT_EQ(std::memcmp(canvas.data() + 4 * i, expected, 4), 0)
+            << "pixel " << x << "," << y << " was " << std::hex << pixels[i];
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace tessaline
