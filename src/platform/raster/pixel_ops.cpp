@@ -65,14 +65,12 @@ void unpremultiply(PremultipliedPixel p, std::uint8_t* rgba) {
 
 void unpremultiplyInPlace(std::uint8_t* canvas, int stride, int x0, int y0, int x1, int y1) {
   // Icons are mostly empty space and flat opaque colour, and for a pixel whose alpha is 0 (all
-  // channels are then 0) or 255 the conversion only swaps red and blue. Blocks of such pixels are
-  // swapped without a branch that depends on the picture; of the other pixels, a run of one
-  // value is divided once.
+  // channels are then 0) or 255 the conversion only swaps red and blue. Every pixel is swapped,
+  // without a branch that depends on the picture; the others are then finished one by one, and
+  // of those a run of one value is divided once.
   PremultipliedPixel last = 0;
   std::uint8_t converted[4] = {0, 0, 0, 0};
-  auto convert = [&](std::uint8_t* at) {
-    PremultipliedPixel p;
-    std::memcpy(&p, at, sizeof p);
+  auto convert = [&](std::uint8_t* at, PremultipliedPixel p) {
     if (p == 0) return;
     if (p != last) {
       unpremultiply(p, converted);
@@ -88,20 +86,42 @@ void unpremultiplyInPlace(std::uint8_t* canvas, int stride, int x0, int y0, int 
     const __m128i full = _mm_set1_epi32(255);
     const __m128i lowByte = _mm_set1_epi32(0xff);
     const __m128i alphaGreen = _mm_set1_epi32(static_cast<int>(0xff00ff00u));
-    for (; x + 4 <= x1; x += 4) {
-      std::uint8_t* at = row + static_cast<std::size_t>(x) * 4;
+    // Swaps red and blue of four pixels in place (its own inverse) and returns a bit per pixel
+    // whose alpha is neither 0 nor 255, for which that swap is not the whole conversion.
+    const auto swapBlock = [&](std::uint8_t* at) {
       const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
       const __m128i alpha = _mm_srli_epi32(v, 24);
       const __m128i settled =
           _mm_or_si128(_mm_cmpeq_epi32(alpha, zero), _mm_cmpeq_epi32(alpha, full));
-      if (_mm_movemask_epi8(settled) == 0xffff) {
-        const __m128i red = _mm_and_si128(_mm_srli_epi32(v, 16), lowByte);
-        const __m128i blue = _mm_slli_epi32(_mm_and_si128(v, lowByte), 16);
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(at),
-                         _mm_or_si128(_mm_and_si128(v, alphaGreen), _mm_or_si128(red, blue)));
-        continue;
+      const __m128i red = _mm_and_si128(_mm_srli_epi32(v, 16), lowByte);
+      const __m128i blue = _mm_slli_epi32(_mm_and_si128(v, lowByte), 16);
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(at),
+                       _mm_or_si128(_mm_and_si128(v, alphaGreen), _mm_or_si128(red, blue)));
+      return static_cast<std::uint64_t>(~_mm_movemask_ps(_mm_castsi128_ps(settled)) & 0xf);
+    };
+    // The pixels a swap left unfinished, swapped back and converted one by one.
+    const auto finish = [&](std::uint8_t* start, std::uint64_t pending) {
+      while (pending != 0) {
+        std::uint8_t* at = start + 4 * std::countr_zero(pending);
+        pending &= pending - 1;
+        PremultipliedPixel swapped;
+        std::memcpy(&swapped, at, sizeof swapped);
+        const PremultipliedPixel p =
+            (swapped & 0xff00ff00u) | ((swapped >> 16) & 0xffu) | ((swapped & 0xffu) << 16);
+        convert(at, p);
       }
-      for (int k = 0; k < 4; ++k) convert(at + 4 * k);
+    };
+    // Sixty-four pixels at a time, so the swaps run without branching on the picture and the
+    // translucent pixels (edges, mostly) are then found from a mask.
+    for (; x + 64 <= x1; x += 64) {
+      std::uint8_t* start = row + static_cast<std::size_t>(x) * 4;
+      std::uint64_t pending = 0;
+      for (int k = 0; k < 16; ++k) pending |= swapBlock(start + 16 * k) << (4 * k);
+      finish(start, pending);
+    }
+    for (; x + 4 <= x1; x += 4) {
+      std::uint8_t* start = row + static_cast<std::size_t>(x) * 4;
+      finish(start, swapBlock(start));
     }
 #else
     if constexpr (std::endian::native == std::endian::little) {
@@ -119,12 +139,17 @@ void unpremultiplyInPlace(std::uint8_t* canvas, int stride, int x0, int y0, int 
           std::memcpy(at, &pair, sizeof pair);
           continue;
         }
-        convert(at);
-        convert(at + 4);
+        convert(at, static_cast<PremultipliedPixel>(pair));
+        convert(at + 4, static_cast<PremultipliedPixel>(pair >> 32));
       }
     }
 #endif
-    for (; x < x1; ++x) convert(row + static_cast<std::size_t>(x) * 4);
+    for (; x < x1; ++x) {
+      std::uint8_t* at = row + static_cast<std::size_t>(x) * 4;
+      PremultipliedPixel p;
+      std::memcpy(&p, at, sizeof p);
+      convert(at, p);
+    }
   }
 }
 
