@@ -78,6 +78,8 @@ bench: bench-build
 	elif [ ! -s bench/data/bootstrap-icons.svg ]; then \
 	  echo "bench: bench/data missing, run scripts/fetch-bench-data for the comparison"; \
 	else $(BENCH_BUILD)/bench/compare/tessaline_rsvg_compare $(BENCH_SPRITES); fi
+	@if [ -s bench/data/bootstrap-icons.svg ]; then \
+	  $(BENCH_BUILD)/bench/tessaline_sprite_memory $(BENCH_SPRITES); fi
 
 bench-check: bench-build
 	@python3 bench/bench_check.py --build $(BENCH_BUILD) $(BENCH_CHECK_FLAGS)
