@@ -21,6 +21,11 @@
 
 #include "tessaline/image.h"
 
+#if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
+#include <immintrin.h>
+#define TESSALINE_AVX2_RUNS 1
+#endif
+
 namespace tessaline {
 namespace {
 
@@ -31,6 +36,38 @@ bool encodable(const Image& image) {
   return image.width() > 0 && image.height() > 0 &&
          image.bytes().size() ==
              static_cast<std::size_t>(image.width()) * static_cast<std::size_t>(image.height()) * 4;
+}
+
+#if defined(TESSALINE_AVX2_RUNS)
+// How many whole groups of eight pixels from `rgba` on, up to `limit` pixels, all hold `value`,
+// counted in pixels. Built for AVX2 alone and called only where the processor has it.
+__attribute__((target("avx2"))) std::size_t runOfEightsAvx2(const std::uint8_t* rgba,
+                                                            std::size_t limit,
+                                                            std::uint32_t value) {
+  const __m256i wanted = _mm256_set1_epi32(static_cast<int>(value));
+  std::size_t n = 0;
+  for (; n + 8 <= limit; n += 8) {
+    const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(rgba + 4 * n));
+    if (_mm256_movemask_epi8(_mm256_cmpeq_epi32(v, wanted)) != -1) break;
+  }
+  return n;
+}
+#endif
+
+// How many pixels from `rgba` on, up to `limit`, hold `value`.
+std::size_t runLength(const std::uint8_t* rgba, std::size_t limit, std::uint32_t value, bool avx2) {
+  std::size_t n = 0;
+#if defined(TESSALINE_AVX2_RUNS)
+  if (avx2) n = runOfEightsAvx2(rgba, limit, value);
+#else
+  (void)avx2;
+#endif
+  for (; n < limit; ++n) {
+    std::uint32_t next;
+    std::memcpy(&next, rgba + 4 * n, sizeof next);
+    if (next != value) break;
+  }
+  return n;
 }
 
 // The distinct RGBA values of an image in order of first appearance, and each pixel's index.
@@ -51,41 +88,27 @@ bool buildPalette(const Image& image, Palette& palette) {
       static_cast<std::size_t>(image.width()) * static_cast<std::size_t>(image.height());
   palette.indices.resize(pixels);
   const std::uint8_t* rgba = image.bytes().data();
-  std::uint32_t last = 0;
-  std::uint64_t lastPair = 0;  // two pixels of value `last`
-  std::uint8_t lastIndex = 0;
-  bool haveLast = false;
+#if defined(TESSALINE_AVX2_RUNS)
+  const bool avx2 = __builtin_cpu_supports("avx2");
+#else
+  const bool avx2 = false;
+#endif
+  // Icons are runs of one value, so each value is looked up once per run.
   for (std::size_t i = 0; i < pixels;) {
-    if (haveLast && i + 4 <= pixels) {  // within a run, four pixels at a time
-      std::uint64_t pairs[2];
-      std::memcpy(pairs, rgba + 4 * i, sizeof pairs);
-      if (pairs[0] == lastPair && pairs[1] == lastPair) {
-        std::memset(palette.indices.data() + i, lastIndex, 4);
-        i += 4;
-        continue;
-      }
-    }
     std::uint32_t value;
     std::memcpy(&value, rgba + 4 * i, sizeof value);
-    if (!haveLast || value != last) {
-      std::uint32_t slot = (value * 2654435761u) >> 22;  // top 10 bits: kSlots = 1024
-      while (used[slot] && keys[slot] != value) slot = (slot + 1) % kSlots;
-      if (!used[slot]) {
-        if (palette.count == kPaletteSize) return false;
-        used[slot] = true;
-        keys[slot] = value;
-        slotIndex[slot] = static_cast<std::uint8_t>(palette.count);
-        palette.colors[static_cast<std::size_t>(palette.count++)] = value;
-      }
-      last = value;
-      std::uint8_t twice[8];
-      std::memcpy(twice, rgba + 4 * i, 4);
-      std::memcpy(twice + 4, rgba + 4 * i, 4);
-      std::memcpy(&lastPair, twice, sizeof lastPair);
-      lastIndex = slotIndex[slot];
-      haveLast = true;
+    std::uint32_t slot = (value * 2654435761u) >> 22;  // top 10 bits: kSlots = 1024
+    while (used[slot] && keys[slot] != value) slot = (slot + 1) % kSlots;
+    if (!used[slot]) {
+      if (palette.count == kPaletteSize) return false;
+      used[slot] = true;
+      keys[slot] = value;
+      slotIndex[slot] = static_cast<std::uint8_t>(palette.count);
+      palette.colors[static_cast<std::size_t>(palette.count++)] = value;
     }
-    palette.indices[i++] = lastIndex;
+    const std::size_t run = 1 + runLength(rgba + 4 * (i + 1), pixels - i - 1, value, avx2);
+    std::memset(palette.indices.data() + i, slotIndex[slot], run);
+    i += run;
   }
   return true;
 }
@@ -124,6 +147,9 @@ bool writeRows(png_structp png, png_infop info, const Image& image, const Palett
     png_set_PLTE(png, info, colors, palette->count);
     png_set_tRNS(png, info, alphas, palette->count, nullptr);
     png_set_compression_strategy(png, Z_RLE);
+    // Every index comes from the palette just built; libpng's scan of each row for indices past
+    // its end would only cost time.
+    png_set_check_for_invalid_index(png, 0);
   }
   png_set_compression_level(png, kCompressionLevel);
   png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_NONE);
