@@ -2,7 +2,10 @@
 // the median time per icon and the ratio librsvg / Tessaline, for rendering alone and for parsing
 // plus rendering.
 //
-//   tessaline_rsvg_compare [--reps N] [--limit N] SPRITE.svg...
+//   tessaline_rsvg_compare [--reps N] [--limit N] [--backend native|cairo] SPRITE.svg...
+//
+// Tessaline renders with its own (native) backend unless --backend cairo is given. Each time is
+// the best of N repetitions (default 5); --limit takes only the first N symbols of each sprite.
 //
 // Each symbol is wrapped for librsvg as a standalone 256 x 256 document whose view box is the
 // symbol's, with the symbol's own attributes on a group around its content, so both libraries
@@ -76,9 +79,10 @@ std::vector<SymbolText> extractSymbols(const std::string& text) {
     group += ">";
     symbol.standalone =
         "<svg xmlns=\"http://www.w3.org/2000/svg\" xmlns:xlink=\"http://www.w3.org/1999/xlink\" "
-        "width=\"256\" height=\"256\" viewBox=\"" + viewBox + "\">" + group + body + "</g></svg>";
-    symbol.sprite = "<svg xmlns=\"http://www.w3.org/2000/svg\">" +
-                    text.substr(at, close + 9 - at) + "</svg>";
+        "width=\"256\" height=\"256\" viewBox=\"" +
+        viewBox + "\">" + group + body + "</g></svg>";
+    symbol.sprite =
+        "<svg xmlns=\"http://www.w3.org/2000/svg\">" + text.substr(at, close + 9 - at) + "</svg>";
     if (!symbol.key.empty()) symbols.push_back(std::move(symbol));
     at = close;
   }
@@ -124,6 +128,7 @@ RsvgHandle* parseWithRsvg(const std::string& document) {
 int main(int argc, char** argv) {
   int reps = 5;
   std::size_t limit = 0;
+  tessaline::RasterBackend backend = tessaline::RasterBackend::Native;
   std::vector<std::string> files;
   for (int i = 1; i < argc; ++i) {
     const std::string arg = argv[i];
@@ -131,12 +136,18 @@ int main(int argc, char** argv) {
       reps = std::max(1, std::atoi(argv[++i]));
     } else if (arg == "--limit" && i + 1 < argc) {
       limit = static_cast<std::size_t>(std::atol(argv[++i]));
+    } else if (arg == "--backend" && i + 1 < argc) {
+      const std::string name = argv[++i];
+      backend =
+          name == "cairo" ? tessaline::RasterBackend::Cairo : tessaline::RasterBackend::Native;
     } else {
       files.push_back(arg);
     }
   }
   if (files.empty()) {
-    std::fprintf(stderr, "usage: tessaline_rsvg_compare [--reps N] [--limit N] SPRITE.svg...\n");
+    std::fprintf(stderr,
+                 "usage: tessaline_rsvg_compare [--reps N] [--limit N] [--backend native|cairo] "
+                 "SPRITE.svg...\n");
     return 2;
   }
 
@@ -159,10 +170,10 @@ int main(int argc, char** argv) {
         if (fresh) renderWithRsvg(fresh), g_object_unref(fresh);
       }));
       tessRender.push_back(
-          bestMicroseconds(reps, [&] { (void)sprite.getUIImageForKey(symbol.key); }));
+          bestMicroseconds(reps, [&] { (void)sprite.getUIImageForKey(symbol.key, backend); }));
       tessFull.push_back(bestMicroseconds(reps, [&] {
         const tessaline::SVGFile single(symbol.sprite);
-        (void)single.getUIImageForKey(symbol.key);
+        (void)single.getUIImageForKey(symbol.key, backend);
       }));
     }
     const double rr = median(rsvgRender), tr = median(tessRender);
