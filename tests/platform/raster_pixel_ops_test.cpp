@@ -55,5 +55,28 @@ TEST(RasterPixelOps, InPlaceConversionMatchesPixelByPixel) {
   }
 }
 
+// Every alpha with every channel value, valid premultiplied or not (then clamped), through the
+// block paths: the shortcuts must divide exactly as unpremultiply does. Only alpha 0 keeps to
+// what a canvas holds, all channels 0.
+TEST(RasterPixelOps, InPlaceConversionIsExactForEveryAlphaAndChannel) {
+  constexpr int kSide = 256;  // x: channel value, y: alpha
+  std::vector<std::uint8_t> canvas(kSide * kSide * 4);
+  std::vector<PremultipliedPixel> pixels(kSide * kSide);
+  for (std::uint32_t a = 0; a < kSide; ++a) {
+    for (std::uint32_t c = 0; c < kSide; ++c) {
+      const PremultipliedPixel p = a == 0 ? 0 : a << 24 | c << 16 | (255 - c) << 8 | (c * 7 % 256);
+      pixels[a * kSide + c] = p;
+      std::memcpy(canvas.data() + 4 * (a * kSide + c), &p, 4);
+    }
+  }
+  unpremultiplyInPlace(canvas.data(), kSide, 0, 0, kSide, kSide);
+  for (std::size_t i = 0; i < pixels.size(); ++i) {
+    std::uint8_t expected[4];
+    unpremultiply(pixels[i], expected);
+    ASSERT_EQ(std::memcmp(canvas.data() + 4 * i, expected, 4), 0)
+        << "premultiplied " << std::hex << pixels[i];
+  }
+}
+
 }  // namespace
 }  // namespace tessaline

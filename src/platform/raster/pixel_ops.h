@@ -56,7 +56,8 @@ PremultipliedPixel premultiply(const Color& color);
 void unpremultiply(PremultipliedPixel p, std::uint8_t* rgba);
 
 // Turns the premultiplied pixels of rows y0...y1 - 1, columns x0...x1 - 1, of a canvas `stride`
-// pixels wide into straight-alpha RGBA bytes where they lie, exactly as unpremultiply does.
+// pixels wide into straight-alpha RGBA bytes where they lie, exactly as unpremultiply does. As on
+// any canvas that compositing produced, a pixel whose alpha is 0 must be all zeros.
 void unpremultiplyInPlace(std::uint8_t* canvas, int stride, int x0, int y0, int x1, int y1);
 
 }  // namespace tessaline
