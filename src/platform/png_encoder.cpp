@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <optional>
 #include <string>
@@ -74,7 +75,7 @@ std::size_t runLength(const std::uint8_t* rgba, std::size_t limit, std::uint32_t
 struct Palette {
   std::array<std::uint32_t, kPaletteSize> colors{};  // R G B A bytes as they lie in memory
   int count = 0;
-  std::vector<std::uint8_t> indices;
+  std::unique_ptr<std::uint8_t[]> indices;  // every entry is written, so never cleared first
 };
 
 // False when the image has more than kPaletteSize colours. An open-addressed table four times
@@ -86,7 +87,7 @@ bool buildPalette(const Image& image, Palette& palette) {
   std::array<bool, kSlots> used{};
   const std::size_t pixels =
       static_cast<std::size_t>(image.width()) * static_cast<std::size_t>(image.height());
-  palette.indices.resize(pixels);
+  palette.indices = std::make_unique_for_overwrite<std::uint8_t[]>(pixels);
   const std::uint8_t* rgba = image.bytes().data();
 #if defined(TESSALINE_AVX2_RUNS)
   const bool avx2 = __builtin_cpu_supports("avx2");
@@ -107,7 +108,7 @@ bool buildPalette(const Image& image, Palette& palette) {
       palette.colors[static_cast<std::size_t>(palette.count++)] = value;
     }
     const std::size_t run = 1 + runLength(rgba + 4 * (i + 1), pixels - i - 1, value, avx2);
-    std::memset(palette.indices.data() + i, slotIndex[slot], run);
+    std::memset(palette.indices.get() + i, slotIndex[slot], run);
     i += run;
   }
   return true;
@@ -154,7 +155,7 @@ bool writeRows(png_structp png, png_infop info, const Image& image, const Palett
   png_set_compression_level(png, kCompressionLevel);
   png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_NONE);
   png_write_info(png, info);
-  const std::uint8_t* row = palette != nullptr ? palette->indices.data() : image.bytes().data();
+  const std::uint8_t* row = palette != nullptr ? palette->indices.get() : image.bytes().data();
   const std::size_t stride = static_cast<std::size_t>(width) * (palette != nullptr ? 1 : 4);
   for (png_uint_32 y = 0; y < height; ++y, row += stride) {
     // libpng reads the row and never writes through this pointer.
