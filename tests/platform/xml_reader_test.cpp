@@ -14,7 +14,7 @@ class Transcript final : public XmlReaderCallbacks {
   void start(std::string_view name, Attributes attributes) override {
     std::string line = "+" + std::string(name);
     for (Attributes entry = attributes; entry[0] != nullptr; entry += 2) {
-      line += std::string(" ") + entry[0] + "=" + entry[1];
+      line.append(" ").append(entry[0]).append("=").append(entry[1]);
     }
     lines.push_back(line);
   }
