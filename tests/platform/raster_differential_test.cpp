@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "image_difference.h"
 #include "platform/raster_context.h"
 
 namespace tessaline {
@@ -303,9 +304,9 @@ std::vector<Case> tangledCorpus() {
   return cases;
 }
 
-int premultiplied(std::uint8_t channel, std::uint8_t alpha) {
-  return (channel * alpha + 127) / 255;
-}
+using Comparison = testing::ImageDifference;
+using testing::kEdgeNoise;
+using testing::premultiplied;
 
 // Writes cairo, native and their difference (magnified eight times) side by side, the window
 // [x0, x0 + size) x [y0, y0 + size) of each magnified `zoom` times.
@@ -341,53 +342,16 @@ void writeDiff(const std::string& name, const Image& reference, const Image& act
   writeSheet((folder / (name + "-closeup.png")).string(), reference, actual, x0, y0, 24, 12);
 }
 
-struct Comparison {
-  int maxDifference = 0;  // largest difference of a premultiplied channel
-  double mean = 0;        // mean channel difference over the pixels either backend drew on
-  double shareOver = 0;   // share of those pixels with a channel differing by more than kEdgeNoise
-  Point worst;            // where the largest difference is
-};
-
-// Differences up to this are what the two anti-aliasing methods may disagree by on any edge.
-constexpr int kEdgeNoise = 32;
-
 Comparison compare(const Case& c) {
   auto reference = makeRasterContext(RasterBackend::Cairo, kSize, kSize);
   auto native = makeRasterContext(RasterBackend::Native, kSize, kSize);
   c.draw(*reference);
   c.draw(*native);
-  const Image expected = reference->image();
-  const Image actual = native->image();
-  Comparison result;
-  long long sum = 0, touched = 0, over = 0;
-  for (int y = 0; y < kSize; ++y) {
-    for (int x = 0; x < kSize; ++x) {
-      const Rgba e = expected.pixel(x, y), a = actual.pixel(x, y);
-      if (e.a == 0 && a.a == 0) continue;
-      ++touched;
-      const int d[4] = {premultiplied(e.r, e.a) - premultiplied(a.r, a.a),
-                        premultiplied(e.g, e.a) - premultiplied(a.g, a.a),
-                        premultiplied(e.b, e.a) - premultiplied(a.b, a.a), e.a - a.a};
-      int pixelMax = 0;
-      for (int v : d) {
-        pixelMax = std::max(pixelMax, std::abs(v));
-        sum += std::abs(v);
-      }
-      over += pixelMax > kEdgeNoise;
-      if (pixelMax > result.maxDifference) {
-        result.maxDifference = pixelMax;
-        result.worst = {static_cast<double>(x), static_cast<double>(y)};
-      }
-    }
-  }
-  EXPECT_GT(touched, 0) << "the case draws nothing";
-  if (touched > 0) {
-    result.mean = static_cast<double>(sum) / (4.0 * static_cast<double>(touched));
-    result.shareOver = static_cast<double>(over) / static_cast<double>(touched);
-  }
+  const Comparison result = testing::compareImages(reference->image(), native->image());
+  EXPECT_GT(result.touched, 0) << "the case draws nothing";
   if (std::getenv("TESSALINE_RASTER_DIFF_STATS") != nullptr) {
     std::printf("%-20s max %3d at (%3g, %3g)  mean %.3f  over %d: %.2f%%\n", c.name.c_str(),
-                result.maxDifference, result.worst.x, result.worst.y, result.mean, kEdgeNoise,
+                result.max, result.worst.x, result.worst.y, result.mean, kEdgeNoise,
                 100 * result.shareOver);
   }
   return result;
@@ -421,11 +385,10 @@ TEST(RasterDifferential, NativeMatchesCairoOnShapesThatDoNotOverlapThemselves) {
   for (const Case& c : simpleCorpus()) {
     SCOPED_TRACE(c.name);
     const Comparison result = compare(c);
-    EXPECT_LE(result.maxDifference, kMaxChannelDifference)
+    EXPECT_LE(result.max, kMaxChannelDifference)
         << "at (" << result.worst.x << ", " << result.worst.y << ")";
     EXPECT_LE(result.mean, kMaxMeanDifference);
-    writeDiffIf(result.maxDifference > kMaxChannelDifference || result.mean > kMaxMeanDifference, c,
-                result);
+    writeDiffIf(result.max > kMaxChannelDifference || result.mean > kMaxMeanDifference, c, result);
   }
 }
 

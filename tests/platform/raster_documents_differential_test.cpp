@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "image_difference.h"
 #include "support/test_support.h"
 #include "tessaline/tessaline.h"
 
@@ -32,47 +33,6 @@ std::vector<Document> documents() {
   std::sort(found.begin(), found.end(), [](auto& a, auto& b) { return a.name < b.name; });
   for (Document& document : found) document.text = testing::readTestData(document.name);
   return found;
-}
-
-int premultiplied(int channel, int alpha) {
-  return (channel * alpha + 127) / 255;
-}
-
-struct Difference {
-  int max = 0;           // largest difference of a premultiplied channel
-  double mean = 0;       // mean channel difference over the pixels either backend drew on
-  double shareOver = 0;  // share of those pixels differing by more than kEdgeNoise
-};
-
-// What the two anti-aliasing methods may disagree by on any one edge pixel (see the shape
-// corpus in raster_differential_test.cpp for where it comes from).
-constexpr int kEdgeNoise = 32;
-
-Difference compare(const Image& expected, const Image& actual) {
-  Difference result;
-  long long sum = 0, touched = 0, over = 0;
-  for (int y = 0; y < expected.height(); ++y) {
-    for (int x = 0; x < expected.width(); ++x) {
-      const Rgba e = expected.pixel(x, y), a = actual.pixel(x, y);
-      if (e.a == 0 && a.a == 0) continue;
-      ++touched;
-      const int d[4] = {premultiplied(e.r, e.a) - premultiplied(a.r, a.a),
-                        premultiplied(e.g, e.a) - premultiplied(a.g, a.a),
-                        premultiplied(e.b, e.a) - premultiplied(a.b, a.a), e.a - a.a};
-      int pixelMax = 0;
-      for (int v : d) {
-        pixelMax = std::max(pixelMax, std::abs(v));
-        sum += std::abs(v);
-      }
-      over += pixelMax > kEdgeNoise;
-      result.max = std::max(result.max, pixelMax);
-    }
-  }
-  if (touched > 0) {
-    result.mean = static_cast<double>(sum) / (4.0 * static_cast<double>(touched));
-    result.shareOver = static_cast<double>(over) / static_cast<double>(touched);
-  }
-  return result;
 }
 
 // Icons drawn at 256 x 256 are mostly interior, where the backends agree exactly; what differs
@@ -100,7 +60,8 @@ TEST(RasterDocumentsDifferential, EverySymbolRendersAlikeWithBothBackends) {
       EXPECT_EQ(native.errors(), reference.errors());
       ASSERT_EQ(native.bitmap().has_value(), reference.bitmap().has_value());
       if (!native.bitmap()) continue;
-      const Difference d = compare(*reference.bitmap(), *native.bitmap());
+      const testing::ImageDifference d =
+          testing::compareImages(*reference.bitmap(), *native.bitmap());
       EXPECT_LE(d.mean, kMaxMean) << "largest channel difference " << d.max;
       EXPECT_LE(d.shareOver, kMaxShareOver) << "largest channel difference " << d.max;
       if (std::getenv("TESSALINE_RASTER_DIFF_STATS") != nullptr) {
