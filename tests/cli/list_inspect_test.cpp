@@ -13,64 +13,19 @@
 #include <string>
 #include <vector>
 
+#include "command_test.h"
+
 namespace {
 
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
+using tessaline::testing::CommandResult;
+using tessaline::testing::readAll;
+
+class ListInspect : public tessaline::testing::CommandTest {};
+
 const std::string kEveryElement = std::string(TESSALINE_TEST_DATA) + "/every_element.svg";
-
-struct CommandResult {
-  int status = -1;
-  std::string out;
-  std::string err;
-};
-
-std::string shellQuote(const std::string& text) {
-  std::string quoted = "'";
-  for (char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return quoted + "'";
-}
-
-std::string readAll(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
-
-class ListInspect : public ::testing::Test {
- protected:
-  void SetUp() override {
-    const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-    dir_ = fs::temp_directory_path() /
-           ("tessaline_list_inspect_" + std::to_string(::getpid()) + "_" + info->name());
-    fs::remove_all(dir_);
-    fs::create_directories(dir_);
-  }
-  void TearDown() override { fs::remove_all(dir_); }
-
-  fs::path write(const std::string& name, const std::string& text) {
-    std::ofstream(dir_ / name, std::ios::binary) << text;
-    return dir_ / name;
-  }
-
-  // Runs the command with `input` as standard input.
-  CommandResult run(const std::vector<std::string>& args, const std::string& input = "") {
-    const fs::path in = write("stdin.txt", input);
-    // A file size limit keeps a runaway output from filling the disk.
-    std::string command = "ulimit -f 400000; " + shellQuote(TESSALINE_COMMAND);
-    for (const auto& arg : args) command += " " + shellQuote(arg);
-    command += " <" + shellQuote(in.string()) + " >" + shellQuote((dir_ / "out.txt").string()) +
-               " 2>" + shellQuote((dir_ / "err.txt").string());
-    const int raw = std::system(command.c_str());
-    CommandResult result;
-    result.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    result.out = readAll(dir_ / "out.txt");
-    result.err = readAll(dir_ / "err.txt");
-    return result;
-  }
-
-  fs::path dir_;
-};
 
 std::size_t lineCount(const std::string& text) {
   return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));

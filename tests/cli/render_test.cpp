@@ -16,79 +16,19 @@
 #include <string>
 #include <vector>
 
+#include "command_test.h"
+
 namespace {
 
 namespace fs = std::filesystem;
 
+using tessaline::testing::CommandResult;
+const auto& slurp = tessaline::testing::readAll;
+const auto& readPng = tessaline::testing::readRgbaPng;
+
+class RenderCommand : public tessaline::testing::CommandTest {};
+
 const std::string kSample = std::string(TESSALINE_TEST_DATA) + "/render/cli_sample.svg";
-
-struct CommandResult {
-  int status = -1;
-  std::string out;
-  std::string err;
-};
-
-std::string quote(const std::string& text) {
-  std::string quoted = "'";
-  for (char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return quoted + "'";
-}
-
-std::string slurp(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
-
-// A fresh folder per test, removed afterwards.
-class RenderCommand : public ::testing::Test {
- protected:
-  void SetUp() override {
-    const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-    dir_ = fs::temp_directory_path() /
-           ("tessaline_cli_" + std::to_string(::getpid()) + "_" + info->name());
-    fs::remove_all(dir_);
-    fs::create_directories(dir_);
-  }
-  void TearDown() override { fs::remove_all(dir_); }
-
-  // Runs the command in the test's folder; `input` becomes standard input.
-  CommandResult run(const std::vector<std::string>& args, const std::string& input = "") {
-    std::ofstream(dir_ / "stdin.txt", std::ios::binary) << input;
-    std::string command = "cd " + quote(dir_.string()) + " && " + quote(TESSALINE_COMMAND);
-    for (const auto& arg : args) command += " " + quote(arg);
-    command += " <stdin.txt >stdout.txt 2>stderr.txt";
-    const int raw = std::system(command.c_str());
-    CommandResult result;
-    result.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    result.out = slurp(dir_ / "stdout.txt");
-    result.err = slurp(dir_ / "stderr.txt");
-    return result;
-  }
-
-  fs::path dir_;
-};
-
-struct Png {
-  int width = 0;
-  int height = 0;
-  std::vector<unsigned char> rgba;
-  std::vector<unsigned char> pixel(int x, int y) const {
-    const auto* p = &rgba[(static_cast<std::size_t>(y) * width + x) * 4];
-    return {p[0], p[1], p[2], p[3]};
-  }
-};
-
-std::optional<Png> readPng(const fs::path& path) {
-  png_image image;
-  std::memset(&image, 0, sizeof image);
-  image.version = PNG_IMAGE_VERSION;
-  if (!png_image_begin_read_from_file(&image, path.c_str())) return std::nullopt;
-  image.format = PNG_FORMAT_RGBA;
-  Png png{static_cast<int>(image.width), static_cast<int>(image.height), {}};
-  png.rgba.resize(PNG_IMAGE_SIZE(image));
-  if (!png_image_finish_read(&image, nullptr, png.rgba.data(), 0, nullptr)) return std::nullopt;
-  return png;
-}
 
 using Pixel = std::vector<unsigned char>;
 const Pixel kTransparent{0, 0, 0, 0};

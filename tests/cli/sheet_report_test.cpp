@@ -14,6 +14,8 @@
 #include <tuple>
 #include <vector>
 
+#include "command_test.h"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -28,76 +30,11 @@ constexpr const char* kCleanAndFaulty = R"(<svg>
   <symbol id="b-faulty" viewBox="0 0 24 24" foo="1"><rect x="6" y="6" width="12" height="12" fill="#ff0000"/></symbol>
 </svg>)";
 
-struct SheetPng {
-  int width = 0;
-  int height = 0;
-  std::vector<unsigned char> rgba;
+using Result = tessaline::testing::CommandResult;
+using tessaline::testing::readAll;
+const auto& readSheet = tessaline::testing::readRgbaPng;
 
-  struct Pixel {
-    int r, g, b, a;
-  };
-  Pixel at(int x, int y) const {
-    const auto* p = &rgba[(static_cast<std::size_t>(y) * width + x) * 4];
-    return {p[0], p[1], p[2], p[3]};
-  }
-};
-
-std::optional<SheetPng> readSheet(const fs::path& path) {
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  if (!png_image_begin_read_from_file(&image, path.c_str())) return std::nullopt;
-  image.format = PNG_FORMAT_RGBA;
-  SheetPng png;
-  png.width = static_cast<int>(image.width);
-  png.height = static_cast<int>(image.height);
-  png.rgba.resize(PNG_IMAGE_SIZE(image));
-  if (!png_image_finish_read(&image, nullptr, png.rgba.data(), 0, nullptr)) return std::nullopt;
-  return png;
-}
-
-std::string shellQuote(const std::string& text) {
-  std::string quoted = "'";
-  for (char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return quoted + "'";
-}
-
-std::string readAll(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
-
-class SheetReportCommand : public ::testing::Test {
- protected:
-  struct Result {
-    int status = -1;
-    std::string err;
-  };
-
-  void SetUp() override {
-    const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-    dir_ = fs::temp_directory_path() /
-           ("tessaline_sheet_report_" + std::to_string(::getpid()) + "_" + info->name());
-    fs::remove_all(dir_);
-    fs::create_directories(dir_);
-  }
-  void TearDown() override { fs::remove_all(dir_); }
-
-  fs::path write(const std::string& name, const std::string& text) {
-    std::ofstream(dir_ / name, std::ios::binary) << text;
-    return dir_ / name;
-  }
-
-  Result run(const std::vector<std::string>& args) {
-    std::string command =
-        "cd " + shellQuote(dir_.string()) + " && " + shellQuote(TESSALINE_COMMAND);
-    for (const auto& arg : args) command += " " + shellQuote(arg);
-    command += " </dev/null >stdout.txt 2>stderr.txt";
-    const int raw = std::system(command.c_str());
-    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, readAll(dir_ / "stderr.txt")};
-  }
-
-  fs::path dir_;
-};
+class SheetReportCommand : public tessaline::testing::CommandTest {};
 
 // Five symbols, no errors.
 std::string fiveSymbols() {
@@ -145,7 +82,9 @@ TEST_F(SheetReportCommand, SheetMarksCellsOfSymbolsWithErrors) {
   ASSERT_TRUE(png);
   ASSERT_EQ(png->width, 2 * 96);
 
-  const auto isRed = [](SheetPng::Pixel p) { return p.r > 180 && p.g < 90 && p.b < 90; };
+  const auto isRed = [](tessaline::testing::RgbaPng::Pixel p) {
+    return p.r > 180 && p.g < 90 && p.b < 90;
+  };
   // The drawings are identical, so the icon areas match pixel for pixel...
   for (int y = 20; y < 76; y += 5) {
     for (int x = 20; x < 76; x += 5) {
