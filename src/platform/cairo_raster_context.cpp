@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "platform/raster/pixel_ops.h"
+
 namespace tessaline {
 namespace {
 
@@ -36,12 +38,6 @@ cairo_line_join_t toCairo(LineJoin join) {
 
 cairo_fill_rule_t toCairo(FillRule rule) {
   return rule == FillRule::EvenOdd ? CAIRO_FILL_RULE_EVEN_ODD : CAIRO_FILL_RULE_WINDING;
-}
-
-// Un-premultiplies one 8-bit channel, rounding to nearest.
-std::uint8_t unpremultiply(std::uint32_t channel, std::uint32_t alpha) {
-  const std::uint32_t value = (channel * 255 + alpha / 2) / alpha;
-  return static_cast<std::uint8_t>(value > 255 ? 255 : value);
 }
 
 class CairoRasterContext final : public RasterContext {
@@ -106,21 +102,14 @@ class CairoRasterContext final : public RasterContext {
     const unsigned char* data = cairo_image_surface_get_data(surface_);
     if (data == nullptr) return out;
     const int stride = cairo_image_surface_get_stride(surface_);
+    // ARGB32 is one native-endian premultiplied word per pixel, as the native backend's pixels.
     std::uint8_t* dst = out.bytes().data();
+    const std::size_t rowBytes = static_cast<std::size_t>(width_) * 4;
     for (int y = 0; y < height_; ++y) {
-      const unsigned char* row = data + static_cast<std::ptrdiff_t>(y) * stride;
-      for (int x = 0; x < width_; ++x, dst += 4) {
-        // ARGB32 is one native-endian 32-bit word per pixel, premultiplied by alpha.
-        std::uint32_t argb;
-        std::memcpy(&argb, row + x * 4, sizeof argb);
-        const std::uint32_t a = argb >> 24;
-        if (a == 0) continue;  // already (0, 0, 0, 0)
-        dst[0] = unpremultiply((argb >> 16) & 0xff, a);
-        dst[1] = unpremultiply((argb >> 8) & 0xff, a);
-        dst[2] = unpremultiply(argb & 0xff, a);
-        dst[3] = static_cast<std::uint8_t>(a);
-      }
+      std::memcpy(dst + static_cast<std::size_t>(y) * rowBytes,
+                  data + static_cast<std::ptrdiff_t>(y) * stride, rowBytes);
     }
+    unpremultiplyInPlace(dst, width_, 0, 0, width_, height_);
     return out;
   }
 

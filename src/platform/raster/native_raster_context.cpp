@@ -22,6 +22,7 @@ NativeRasterContext::NativeRasterContext(int width, int height)
     : width_(std::max(width, 0)),
       height_(std::max(height, 0)),
       canvas_(width_, height_),
+      translucent_(width_, height_),
       clips_(width_, height_),
       rasterizer_(width_, height_) {}
 
@@ -59,7 +60,7 @@ void NativeRasterContext::stroke(const Path& path, const StrokeStyle& style, con
 }
 
 void NativeRasterContext::paint(FillRule rule, const FlatPath& shape, const Color& color) {
-  const PremultipliedPixel source = premultiply(color);
+  const PremultipliedPixel source = toImageOrder(premultiply(color));
   if (alphaOf(source) == 0) return;  // premultiplied, so every channel is 0: nothing changes
   if (taken_) return;
   rasterizer_.begin(clips_.box());
@@ -71,26 +72,34 @@ void NativeRasterContext::paint(FillRule rule, const FlatPath& shape, const Colo
                  : PixelBox{std::min(painted_.x0, bounds.x0), std::min(painted_.y0, bounds.y0),
                             std::max(painted_.x1, bounds.x1), std::max(painted_.y1, bounds.y1)};
   if (clips_.mask() != nullptr) {
-    SolidPainter<true> painter(pixels(), width_, source, clips_.mask());
+    SolidPainter<true> painter(pixels(), width_, source, clips_.mask(), &translucent_);
     rasterizer_.sweep(rule, painter);
   } else {
-    SolidPainter<false> painter(pixels(), width_, source, nullptr);
+    SolidPainter<false> painter(pixels(), width_, source, nullptr, &translucent_);
     rasterizer_.sweep(rule, painter);
+  }
+}
+
+void NativeRasterContext::finish(Image& canvas) const {
+  std::uint8_t* bytes = canvas.bytes().data();
+  for (int y = painted_.y0; y < painted_.y1; ++y) {
+    std::uint8_t* row = bytes + static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) * 4;
+    translucent_.forEachRun(y, [&](int x, int count) {
+      unpremultiplyImageOrder(row + static_cast<std::size_t>(x) * 4, count);
+    });
   }
 }
 
 Image NativeRasterContext::image() const {
   if (taken_) return Image(width_, height_);
   Image out = canvas_;
-  unpremultiplyInPlace(out.bytes().data(), width_, painted_.x0, painted_.y0, painted_.x1,
-                       painted_.y1);
+  finish(out);
   return out;
 }
 
 Image NativeRasterContext::takeImage() {
   if (taken_) return Image(width_, height_);
-  unpremultiplyInPlace(canvas_.bytes().data(), width_, painted_.x0, painted_.y0, painted_.x1,
-                       painted_.y1);
+  finish(canvas_);
   taken_ = true;
   return std::move(canvas_);
 }

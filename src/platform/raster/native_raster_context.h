@@ -9,6 +9,7 @@
 #include "platform/raster/flat_path.h"
 #include "platform/raster/pixel_ops.h"
 #include "platform/raster/stroker.h"
+#include "platform/raster/translucent_marks.h"
 #include "platform/raster_context.h"
 
 namespace tessaline {
@@ -42,6 +43,8 @@ class NativeRasterContext final : public RasterContext {
 
  private:
   void paint(FillRule rule, const FlatPath& shape, const Color& color);
+  // Converts the marked pixels of `canvas`, this context's canvas or a copy of it.
+  void finish(Image& canvas) const;
 
   PremultipliedPixel* pixels() {
     return reinterpret_cast<PremultipliedPixel*>(canvas_.bytes().data());
@@ -53,6 +56,7 @@ class NativeRasterContext final : public RasterContext {
   // converts them in place, so a rendering allocates and clears one bitmap, not two.
   Image canvas_;
   PixelBox painted_;  // every pixel outside is still transparent
+  TranslucentMarks translucent_;
   bool taken_ = false;
   ClipStack clips_;
   CoverageRasterizer rasterizer_;

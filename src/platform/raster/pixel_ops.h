@@ -51,6 +51,14 @@ inline PremultipliedPixel sourceOver(PremultipliedPixel source, PremultipliedPix
 // so that flat areas come out identical on both backends.
 PremultipliedPixel premultiply(const Color& color);
 
+// The same premultiplied pixel with red and blue exchanged: the word whose little-endian bytes
+// are R G B A, the order of a finished image. The native canvas keeps its pixels so, since a
+// pixel whose alpha is 0 or 255 is then final as painted and only translucent pixels need
+// converting when the canvas is handed over. (Compositing treats every channel alike.)
+inline PremultipliedPixel toImageOrder(PremultipliedPixel p) {
+  return (p & 0xff00ff00u) | ((p >> 16) & 0xffu) | ((p & 0xffu) << 16);
+}
+
 // Straight-alpha RGBA bytes of a premultiplied pixel; colour channels are divided by alpha and
 // rounded to nearest, and a transparent pixel is (0, 0, 0, 0).
 void unpremultiply(PremultipliedPixel p, std::uint8_t* rgba);
@@ -59,5 +67,10 @@ void unpremultiply(PremultipliedPixel p, std::uint8_t* rgba);
 // pixels wide into straight-alpha RGBA bytes where they lie, exactly as unpremultiply does. As on
 // any canvas that compositing produced, a pixel whose alpha is 0 must be all zeros.
 void unpremultiplyInPlace(std::uint8_t* canvas, int stride, int x0, int y0, int x1, int y1);
+
+// Turns `count` premultiplied pixels in image order (toImageOrder) at `pixels` into
+// straight-alpha RGBA bytes where they lie, exactly as unpremultiply does; pixels whose alpha is
+// 0 or 255 are left as they are.
+void unpremultiplyImageOrder(std::uint8_t* pixels, int count);
 
 }  // namespace tessaline

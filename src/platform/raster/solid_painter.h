@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "platform/raster/pixel_ops.h"
+#include "platform/raster/translucent_marks.h"
 
 namespace tessaline {
 
@@ -12,19 +13,24 @@ namespace tessaline {
 // scaled by its coverage, times the clip mask's value when there is one (`Masked`). Coverage and
 // mask are 8-bit and combine as the reference backend combines a shape's mask with a clip.
 // Whether there is a mask is a template argument so each loop below stays branch-light.
+//
+// Wherever a pixel may come out translucent, the painter sets the bit of its group of eight in
+// `marks` (TranslucentMarks), so the finished canvas is converted to straight alpha only there.
 template <bool Masked>
 class SolidPainter {
  public:
   // `pixels` and `mask` (null unless Masked) are canvases of `stride` pixels per row.
   SolidPainter(PremultipliedPixel* pixels, int stride, PremultipliedPixel color,
-               const std::uint8_t* mask)
+               const std::uint8_t* mask, TranslucentMarks* marks)
       : pixels_(pixels),
         mask_(mask),
+        marks_(marks),
         stride_(stride),
         color_(color),
         opaque_(alphaOf(color) == 255) {}
 
   void solid(int y, int x, int length, std::uint8_t coverage) {
+    if (Masked || coverage != 255 || !opaque_) marks_->mark(y, x, length);
     PremultipliedPixel* out = row(y) + x;
     if constexpr (Masked) {
       const std::uint8_t* mask = maskRow(y) + x;
@@ -37,7 +43,7 @@ class SolidPainter {
           std::memcpy(&block, mask + i, sizeof block);
           if (block == 0) continue;
           if (block == ~std::uint64_t{0}) {
-            SolidPainter<false>(pixels_, stride_, color_, nullptr).solid(y, x + i, 8, 255);
+            SolidPainter<false>(pixels_, stride_, color_, nullptr, marks_).solid(y, x + i, 8, 255);
             continue;
           }
           for (int k = i; k < i + 8; ++k) blend(out[k], mask[k]);
@@ -64,6 +70,7 @@ class SolidPainter {
   }
 
   void varying(int y, int x, int length, const std::uint8_t* coverage) {
+    marks_->mark(y, x, length);
     PremultipliedPixel* out = row(y) + x;
     if constexpr (Masked) {
       const std::uint8_t* mask = maskRow(y) + x;
@@ -82,10 +89,17 @@ class SolidPainter {
   }
 
   // Stores the colour `length` times, four pixels per 16-byte copy, which compilers turn into one
-  // vector store even where they do not vectorise loops.
+  // vector store even where they do not vectorise loops; interiors of shapes are long runs, so
+  // sixteen pixels go per round.
   void fill(PremultipliedPixel* out, int length) const {
     const PremultipliedPixel four[4] = {color_, color_, color_, color_};
     int i = 0;
+    for (; i + 16 <= length; i += 16) {
+      std::memcpy(out + i, four, sizeof four);
+      std::memcpy(out + i + 4, four, sizeof four);
+      std::memcpy(out + i + 8, four, sizeof four);
+      std::memcpy(out + i + 12, four, sizeof four);
+    }
     for (; i + 4 <= length; i += 4) std::memcpy(out + i, four, sizeof four);
     for (; i < length; ++i) out[i] = color_;
   }
@@ -94,12 +108,16 @@ class SolidPainter {
     if (coverage == 255) {
       pixel = opaque_ ? color_ : sourceOver(color_, pixel);
     } else if (coverage != 0) {
-      pixel = sourceOver(scalePixel(color_, coverage), pixel);
+      // Over a transparent pixel (most edges: the first shape to reach them) the scaled colour
+      // is the result, as source-over would compute it.
+      const PremultipliedPixel source = scalePixel(color_, coverage);
+      pixel = pixel == 0 ? source : sourceOver(source, pixel);
     }
   }
 
   PremultipliedPixel* pixels_;
   const std::uint8_t* mask_;
+  TranslucentMarks* marks_;
   int stride_;
   PremultipliedPixel color_;
   bool opaque_;
