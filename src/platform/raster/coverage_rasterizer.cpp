@@ -66,6 +66,13 @@ void CoverageRasterizer::addPath(const FlatPath& path) {
 }
 
 void CoverageRasterizer::addLine(Point a, Point b) {
+  // Most edges lie wholly inside the box and need none of the clipping below (which would leave
+  // them as they are). NaN fails every comparison and takes the long way.
+  if (a.x >= box_.x0 && a.x <= box_.x1 && b.x >= box_.x0 && b.x <= box_.x1 && a.y >= box_.y0 &&
+      a.y <= box_.y1 && b.y >= box_.y0 && b.y <= box_.y1 && (a.x < box_.x1 || b.x < box_.x1)) {
+    if (a.y != b.y) addFixedEdge(toFixed(a.x), toFixed(a.y), toFixed(b.x), toFixed(b.y));
+    return;
+  }
   // Paths arrive finite, but a stroke outline of an absurd width can overflow; such an edge is
   // pinned far outside the canvas or, if it has no direction at all, dropped.
   if (!tame(a.x) || !tame(a.y) || !tame(b.x) || !tame(b.y)) return;
