@@ -88,20 +88,17 @@ class SolidPainter {
     return mask_ + static_cast<std::ptrdiff_t>(y) * stride_;
   }
 
-  // Stores the colour `length` times, four pixels per 16-byte copy, which compilers turn into one
-  // vector store even where they do not vectorise loops; interiors of shapes are long runs, so
-  // sixteen pixels go per round.
+  // Stores the colour `length` times in 16-byte copies of four pixels, which compilers turn into
+  // vector stores even where they do not vectorise loops. The last copy may overlap the one
+  // before rather than finish pixel by pixel, so a run costs one loop whatever its length.
   void fill(PremultipliedPixel* out, int length) const {
     const PremultipliedPixel four[4] = {color_, color_, color_, color_};
-    int i = 0;
-    for (; i + 16 <= length; i += 16) {
-      std::memcpy(out + i, four, sizeof four);
-      std::memcpy(out + i + 4, four, sizeof four);
-      std::memcpy(out + i + 8, four, sizeof four);
-      std::memcpy(out + i + 12, four, sizeof four);
+    if (length < 4) {
+      for (int i = 0; i < length; ++i) out[i] = color_;
+      return;
     }
-    for (; i + 4 <= length; i += 4) std::memcpy(out + i, four, sizeof four);
-    for (; i < length; ++i) out[i] = color_;
+    for (int i = 0; i + 4 < length; i += 4) std::memcpy(out + i, four, sizeof four);
+    std::memcpy(out + length - 4, four, sizeof four);
   }
 
   void blend(PremultipliedPixel& pixel, std::uint32_t coverage) const {
