@@ -37,4 +37,29 @@ class AttributeSetInterner {
       byHash_;
 };
 
+// The attribute set the elements of one scope start from (null: none). Most elements add no
+// styling of their own, and each of those holds exactly this set: its shared copy is looked up
+// once, when first needed, instead of once per element.
+class InheritedAttributes {
+ public:
+  explicit InheritedAttributes(const PresentationAttributes* attributes = nullptr)
+      : attributes_(attributes) {}
+
+  const PresentationAttributes* get() const { return attributes_; }
+  void set(const PresentationAttributes* attributes) {
+    attributes_ = attributes;
+    shared_.reset();
+  }
+
+  // The interned copy of the set (of an empty set when there is none).
+  const std::shared_ptr<const PresentationAttributes>& shared(AttributeSetInterner& interner) {
+    if (!shared_) shared_ = interner.intern(PresentationAttributes(attributes_));
+    return shared_;
+  }
+
+ private:
+  const PresentationAttributes* attributes_;
+  std::shared_ptr<const PresentationAttributes> shared_;
+};
+
 }  // namespace tessaline

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "geometry/basic_shapes.h"
+#include "parse/folded_name.h"
 #include "parse/svg_definition.h"
-#include "platform/ascii_case.h"
 #include "platform/number_reader.h"
 
 namespace tessaline {
@@ -27,36 +27,76 @@ constexpr std::string_view kCircleInvalidParameters = "Encountered invalid param
 constexpr std::string_view kRectInvalidParameters = "Encountered invalid parameters for rect";
 constexpr std::string_view kPolygonInvalidParameters = "Encountered invalid parameters for polygon";
 
-struct NamedKind {
-  std::string_view name;
-  ElementKind kind;
-};
+// The AttributeName of a folded name. Every attribute of every element is told apart here, so it
+// compares against literals picked by length rather than searching lists.
+constexpr AttributeName classify(std::string_view n) {
+  using enum AttributeName;
+  switch (n.size()) {
+    case 1:
+      return n == "d" ? D : n == "r" ? R : n == "x" ? X : n == "y" ? Y : Other;
+    case 2:
+      if (n == "id") return Id;
+      if (n == "cx") return Cx;
+      if (n == "cy") return Cy;
+      if (n == "rx") return Rx;
+      if (n == "ry") return Ry;
+      if (n == "x1") return X1;
+      if (n == "y1") return Y1;
+      if (n == "x2") return X2;
+      if (n == "y2") return Y2;
+      return Other;
+    case 4:
+      return n == "href" ? Href : Other;
+    case 5:
+      return n == "width" ? Width : n == "class" ? Class : n == "xmlns" ? Xmlns : Other;
+    case 6:
+      return n == "height" ? Height : n == "points" ? Points : Other;
+    case 7:
+      return n == "viewbox" ? ViewBox : Other;
+    case 9:
+      return n == "fill-rule"   ? FillRule
+             : n == "data-name" ? DataName
+             : n == "isolation" ? Isolation
+                                : Other;
+    case 10:
+      return n == "xlink:href" ? XlinkHref : Other;
+    default:
+      return Other;
+  }
+}
 
-// Sorted by name (byte order) for the binary search in elementKindForName.
-constexpr std::array<NamedKind, 10> kElementNames{{
-    {"circle", ElementKind::Circle},
-    {"clippath", ElementKind::ClipPath},
-    {"defs", ElementKind::Defs},
-    {"ellipse", ElementKind::Ellipse},
-    {"g", ElementKind::Group},
-    {"line", ElementKind::Line},
-    {"path", ElementKind::Path},
-    {"polygon", ElementKind::Polygon},
-    {"rect", ElementKind::Rect},
-    {"use", ElementKind::Use},
-}};
-static_assert(std::ranges::is_sorted(kElementNames, {}, &NamedKind::name));
+constexpr std::size_t kAttributeNameCount = static_cast<std::size_t>(AttributeName::ViewBox) + 1;
+static_assert(kAttributeNameCount <= 32, "rules hold the names they ignore as bits");
 
 // How one element kind sorts its attributes: names it ignores, names whose values it keeps (one
-// slot each, in this order), which kept slots it cannot do without (checked in order), and its
-// messages.
+// slot each, in the order listed), which kept slots it cannot do without (checked in order), and
+// its messages. The lists are turned into a bit set and a slot table once, at compile time.
 struct HandlerRule {
-  std::span<const std::string_view> ignored;
-  std::span<const std::string_view> kept;
+  std::uint32_t ignored = 0;                            // one bit per AttributeName
+  std::array<std::int8_t, kAttributeNameCount> slot{};  // the kept slot of a name, or -1
   std::span<const std::size_t> required;
   std::string_view unknownAttribute;
   std::optional<std::string_view> invalidParameters;  // absent: an invalid element is dropped
 };
+
+constexpr std::size_t kMaxKept = 7;
+
+constexpr HandlerRule makeRule(std::span<const std::string_view> ignored,
+                               std::span<const std::string_view> kept,
+                               std::span<const std::size_t> required,
+                               std::string_view unknownAttribute,
+                               std::optional<std::string_view> invalidParameters) {
+  HandlerRule rule;
+  rule.slot.fill(-1);
+  for (std::string_view name : ignored) rule.ignored |= 1u << static_cast<unsigned>(classify(name));
+  for (std::size_t i = 0; i < kept.size(); ++i) {
+    rule.slot[static_cast<std::size_t>(classify(kept[i]))] = static_cast<std::int8_t>(i);
+  }
+  rule.required = required;
+  rule.unknownAttribute = unknownAttribute;
+  rule.invalidParameters = invalidParameters;
+  return rule;
+}
 
 constexpr std::string_view kIgnoredCommon[] = {"data-name", "class"};
 constexpr std::string_view kIgnoredPath[] = {"data-name", "class", "isolation"};
@@ -77,23 +117,34 @@ constexpr std::size_t kRequiredCircle[] = {1, 3};
 constexpr std::size_t kRequiredRect[] = {3, 4};
 constexpr std::size_t kRequiredPolygon[] = {1};
 
-constexpr std::size_t kMaxKept = 7;
+// Every listed name must have an AttributeName of its own: Other would otherwise be ignored or
+// kept along with it.
+constexpr bool allNamed(std::span<const std::string_view> names) {
+  return std::ranges::none_of(
+      names, [](std::string_view n) { return classify(n) == AttributeName::Other; });
+}
+static_assert(allNamed(kIgnoredCommon) && allNamed(kIgnoredPath) && allNamed(kIgnoredGroup) &&
+              allNamed(kKeptPath) && allNamed(kKeptEllipse) && allNamed(kKeptCircle) &&
+              allNamed(kKeptRect) && allNamed(kKeptPolygon) && allNamed(kKeptLine) &&
+              allNamed(kKeptUse));
 
-constexpr HandlerRule kPathRule{kIgnoredPath, kKeptPath, kRequiredPath, kPathUnknownAttribute,
-                                std::nullopt};
-constexpr HandlerRule kEllipseRule{kIgnoredCommon, kKeptEllipse, kRequiredEllipse,
-                                   kEllipseUnknownAttribute, kEllipseInvalidParameters};
-constexpr HandlerRule kCircleRule{kIgnoredCommon, kKeptCircle, kRequiredCircle,
-                                  kCircleUnknownAttribute, kCircleInvalidParameters};
-constexpr HandlerRule kRectRule{kIgnoredCommon, kKeptRect, kRequiredRect, kRectUnknownAttribute,
-                                kRectInvalidParameters};
-constexpr HandlerRule kPolygonRule{kIgnoredCommon, kKeptPolygon, kRequiredPolygon,
-                                   kPolygonUnknownAttribute, kPolygonInvalidParameters};
-constexpr HandlerRule kLineRule{kIgnoredCommon, kKeptLine, {}, kLineUnknownAttribute, std::nullopt};
+constexpr HandlerRule kPathRule =
+    makeRule(kIgnoredPath, kKeptPath, kRequiredPath, kPathUnknownAttribute, std::nullopt);
+constexpr HandlerRule kEllipseRule = makeRule(kIgnoredCommon, kKeptEllipse, kRequiredEllipse,
+                                              kEllipseUnknownAttribute, kEllipseInvalidParameters);
+constexpr HandlerRule kCircleRule = makeRule(kIgnoredCommon, kKeptCircle, kRequiredCircle,
+                                             kCircleUnknownAttribute, kCircleInvalidParameters);
+constexpr HandlerRule kRectRule = makeRule(kIgnoredCommon, kKeptRect, kRequiredRect,
+                                           kRectUnknownAttribute, kRectInvalidParameters);
+constexpr HandlerRule kPolygonRule = makeRule(kIgnoredCommon, kKeptPolygon, kRequiredPolygon,
+                                              kPolygonUnknownAttribute, kPolygonInvalidParameters);
+constexpr HandlerRule kLineRule =
+    makeRule(kIgnoredCommon, kKeptLine, {}, kLineUnknownAttribute, std::nullopt);
 // A `use` ignores nothing: its id, data-name and class are all reported.
-constexpr HandlerRule kUseRule{{}, kKeptUse, {}, kUseUnknownAttribute, std::nullopt};
+constexpr HandlerRule kUseRule = makeRule({}, kKeptUse, {}, kUseUnknownAttribute, std::nullopt);
 // Groups report their unknown attributes with the path wording; that is the established text.
-constexpr HandlerRule kGroupRule{kIgnoredGroup, {}, {}, kPathUnknownAttribute, std::nullopt};
+constexpr HandlerRule kGroupRule =
+    makeRule(kIgnoredGroup, {}, {}, kPathUnknownAttribute, std::nullopt);
 
 static_assert(std::size(kKeptRect) == kMaxKept);
 
@@ -118,28 +169,25 @@ const HandlerRule& ruleFor(ElementKind kind) {
   }
 }
 
-// The kept values of one tag; a kept name that was not given (or given empty) holds "".
-using Slots = std::array<std::string, kMaxKept>;
-
-bool contains(std::span<const std::string_view> names, std::string_view name) {
-  return std::ranges::find(names, name) != names.end();
-}
+// The kept values of one tag; a kept name that was not given (or given empty) holds "". Views of
+// the tag's values: strings are made only for what a component keeps.
+using Slots = std::array<std::string_view, kMaxKept>;
 
 // Sorts the tag's attributes: ignored, kept into `slots`, consumed as presentation attributes, or
 // reported as unknown under the name as written. Then checks the required slots; returns false
 // (after adding the invalid-parameters message, if the element has one) when one is empty.
-bool sortAttributes(const HandlerRule& rule, const SVGEvent& event,
-                    const std::vector<std::string>& consumed, Slots& slots,
-                    SVGDefinition& definition) {
-  for (const auto& [name, value] : event.attributes) {
-    const std::string folded = foldAsciiCase(name);
-    if (contains(rule.ignored, folded)) continue;
-    if (auto kept = std::ranges::find(rule.kept, folded); kept != rule.kept.end()) {
-      slots[static_cast<std::size_t>(kept - rule.kept.begin())] = value;
+bool sortAttributes(const HandlerRule& rule, const SVGTag& tag, ConsumedAttributes consumed,
+                    Slots& slots, SVGDefinition& definition) {
+  for (const SVGAttributeView& attribute : tag.attributes) {
+    const FoldedName folded(attribute.name);
+    const auto name = static_cast<std::size_t>(classify(folded.view()));
+    if ((rule.ignored & (1u << name)) != 0) continue;
+    if (const int slot = rule.slot[name]; slot >= 0) {
+      slots[static_cast<std::size_t>(slot)] = attribute.value;
       continue;
     }
-    if (std::ranges::find(consumed, folded) == consumed.end()) {
-      definition.errorMessages.push_back(std::string(rule.unknownAttribute) + name);
+    if (!consumed.contains(folded.view())) {
+      definition.errorMessages.push_back(std::string(rule.unknownAttribute).append(attribute.name));
     }
   }
   // An empty value counts as missing; a value of blanks does not.
@@ -152,46 +200,51 @@ bool sortAttributes(const HandlerRule& rule, const SVGEvent& event,
   return true;
 }
 
-float number(const std::string& slot) {
+float number(std::string_view slot) {
   return readLenientFloat(slot);
 }
 
-std::optional<float> optionalNumber(const std::string& slot) {
+std::optional<float> optionalNumber(std::string_view slot) {
   if (slot.empty()) return std::nullopt;
   return readLenientFloat(slot);
 }
 
-std::shared_ptr<SVGComponent> makeComponent(ElementKind kind, Slots& s,
-                                            ComponentAttributes attributes) {
+std::shared_ptr<SVGComponent> makeComponent(ElementKind kind, const Slots& s,
+                                            ComponentAttributes attributes,
+                                            std::optional<std::string>* deferredPointList) {
   switch (kind) {
     case ElementKind::Path:
-      return std::make_shared<PathComponent>(std::move(s[0]), std::move(attributes),
-                                             std::move(s[1]), std::move(s[2]));
+      return std::make_shared<PathComponent>(std::string(s[0]), std::move(attributes),
+                                             std::string(s[1]), std::string(s[2]));
     case ElementKind::Ellipse:
-      return std::make_shared<EllipseComponent>(std::move(s[0]), std::move(attributes),
+      return std::make_shared<EllipseComponent>(std::string(s[0]), std::move(attributes),
                                                 number(s[1]), optionalNumber(s[2]), number(s[3]),
                                                 number(s[4]));
     case ElementKind::Circle:
-      return std::make_shared<CircleComponent>(std::move(s[0]), std::move(attributes), number(s[1]),
-                                               optionalNumber(s[2]), number(s[3]));
+      return std::make_shared<CircleComponent>(std::string(s[0]), std::move(attributes),
+                                               number(s[1]), optionalNumber(s[2]), number(s[3]));
     case ElementKind::Rect: {
       // One given radius stands for both; neither means square corners. No clamping here.
       const std::optional<float> rx = optionalNumber(s[5]);
       const std::optional<float> ry = optionalNumber(s[6]);
       const float cornerX = rx.value_or(ry.value_or(0));
       const float cornerY = ry.value_or(rx.value_or(0));
-      return std::make_shared<RectComponent>(std::move(s[0]), std::move(attributes), number(s[1]),
+      return std::make_shared<RectComponent>(std::string(s[0]), std::move(attributes), number(s[1]),
                                              number(s[2]), number(s[3]), number(s[4]), cornerX,
                                              cornerY);
     }
     case ElementKind::Polygon:
-      return std::make_shared<PolygonComponent>(std::move(s[0]), s[1], std::move(attributes));
+      if (deferredPointList != nullptr && pointListStops(s[1])) {
+        *deferredPointList = std::string(s[1]);
+        return nullptr;
+      }
+      return std::make_shared<PolygonComponent>(std::string(s[0]), s[1], std::move(attributes));
     case ElementKind::Line:
-      return std::make_shared<LineComponent>(std::move(s[0]), std::move(attributes), number(s[1]),
+      return std::make_shared<LineComponent>(std::string(s[0]), std::move(attributes), number(s[1]),
                                              number(s[2]), number(s[3]), number(s[4]));
     case ElementKind::Use:
       // The use element's own id is never stored.
-      return std::make_shared<UseComponent>("", std::move(s[0]), std::move(s[1]),
+      return std::make_shared<UseComponent>("", std::string(s[0]), std::string(s[1]),
                                             std::move(attributes));
     default:
       return nullptr;
@@ -201,42 +254,92 @@ std::shared_ptr<SVGComponent> makeComponent(ElementKind kind, Slots& s,
 }  // namespace
 
 std::optional<ElementKind> elementKindForName(std::string_view foldedName) {
-  auto it = std::ranges::lower_bound(kElementNames, foldedName, {}, &NamedKind::name);
-  if (it == kElementNames.end() || it->name != foldedName) return std::nullopt;
-  return it->kind;
+  const std::string_view n = foldedName;
+  switch (n.size()) {
+    case 1:
+      if (n == "g") return ElementKind::Group;
+      break;
+    case 3:
+      if (n == "use") return ElementKind::Use;
+      break;
+    case 4:
+      if (n == "path") return ElementKind::Path;
+      if (n == "rect") return ElementKind::Rect;
+      if (n == "line") return ElementKind::Line;
+      if (n == "defs") return ElementKind::Defs;
+      break;
+    case 6:
+      if (n == "circle") return ElementKind::Circle;
+      break;
+    case 7:
+      if (n == "ellipse") return ElementKind::Ellipse;
+      if (n == "polygon") return ElementKind::Polygon;
+      break;
+    case 8:
+      if (n == "clippath") return ElementKind::ClipPath;
+      break;
+    default:
+      break;
+  }
+  return std::nullopt;
 }
 
-std::shared_ptr<SVGComponent> buildComponent(ElementKind kind, const SVGEvent& event,
-                                             const PresentationAttributes* inherited,
+AttributeName attributeNameFor(std::string_view foldedName) {
+  return classify(foldedName);
+}
+
+bool pointListStops(std::string_view pointsText) {
+  // As the polygon reads it: blank-separated components, or comma-separated ones when there is
+  // no blank at all; empty components count.
+  std::size_t components = static_cast<std::size_t>(std::ranges::count(pointsText, ' ')) + 1;
+  if (components == 1)
+    components = static_cast<std::size_t>(std::ranges::count(pointsText, ',')) + 1;
+  return components % 2 == 1;
+}
+
+std::shared_ptr<SVGComponent> buildComponent(ElementKind kind, const SVGTag& tag,
+                                             InheritedAttributes& inherited,
                                              SVGDefinition& definition,
-                                             AttributeSetInterner& interner) {
-  PresentationAttributes attributes(inherited);
-  const std::vector<std::string> consumed = attributes.parse(event);
+                                             AttributeSetInterner& interner,
+                                             std::optional<std::string>* deferredPointList) {
   Slots slots;
-  if (!sortAttributes(ruleFor(kind), event, consumed, slots, definition)) return nullptr;
-  return makeComponent(kind, slots, interner.intern(std::move(attributes)));
+  if (!PresentationAttributes::namesAny(tag)) {
+    // Nothing of its own: the element holds the inherited set as it is.
+    if (!sortAttributes(ruleFor(kind), tag, {}, slots, definition)) return nullptr;
+    return makeComponent(kind, slots, inherited.shared(interner), deferredPointList);
+  }
+  PresentationAttributes attributes(inherited.get());
+  const ConsumedAttributes consumed = attributes.apply(tag);
+  if (!sortAttributes(ruleFor(kind), tag, consumed, slots, definition)) return nullptr;
+  return makeComponent(kind, slots, interner.intern(std::move(attributes)), deferredPointList);
 }
 
-PresentationAttributes readGroupAttributes(const SVGEvent& event,
+PresentationAttributes readGroupAttributes(const SVGTag& tag,
                                            const PresentationAttributes* inherited,
                                            SVGDefinition& definition) {
   PresentationAttributes attributes(inherited);
-  const std::vector<std::string> consumed = attributes.parse(event);
+  const ConsumedAttributes consumed = attributes.apply(tag);
   Slots unused;
-  sortAttributes(kGroupRule, event, consumed, unused, definition);
+  sortAttributes(kGroupRule, tag, consumed, unused, definition);
   return attributes;
 }
 
-std::string readClipPathId(const SVGEvent& event, SVGDefinition& definition) {
+std::string readClipPathId(const SVGTag& tag, SVGDefinition& definition) {
   std::string id;
-  for (const auto& [name, value] : event.attributes) {
-    if (foldAsciiCase(name) == "id") {
-      id = value;
+  for (const SVGAttributeView& attribute : tag.attributes) {
+    if (FoldedName(attribute.name) == "id") {
+      id.assign(attribute.value);
     } else {
-      definition.errorMessages.push_back(std::string(kClipPathUnknownAttribute) + name);
+      definition.errorMessages.push_back(
+          std::string(kClipPathUnknownAttribute).append(attribute.name));
     }
   }
   return id;
+}
+
+std::string readClipPathId(const SVGEvent& event, SVGDefinition& definition) {
+  std::vector<SVGAttributeView> views;
+  return readClipPathId(tagOf(event, views), definition);
 }
 
 }  // namespace tessaline

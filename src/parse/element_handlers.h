@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -20,26 +21,65 @@ enum class ElementKind { Group, Path, Ellipse, Circle, Rect, Polygon, Line, Use,
 // The kind of a start tag whose name has already been folded to lower case.
 std::optional<ElementKind> elementKindForName(std::string_view foldedName);
 
+// The attribute names elements and symbols place by name (presentation attributes aside), so
+// each attribute is told apart once rather than searched for in several lists.
+enum class AttributeName : std::uint8_t {
+  Other,  // none of these
+  Id,
+  D,
+  FillRule,
+  Cx,
+  Cy,
+  Rx,
+  Ry,
+  R,
+  X,
+  Y,
+  Width,
+  Height,
+  Points,
+  X1,
+  Y1,
+  X2,
+  Y2,
+  Href,
+  XlinkHref,
+  DataName,
+  Class,
+  Isolation,
+  Xmlns,
+  ViewBox,
+};
+
+// The name of an attribute whose name has already been folded to lower case.
+AttributeName attributeNameFor(std::string_view foldedName);
+
 // Handlers for one start tag. Each appends to `definition.errorMessages` one message per
 // attribute it cannot place (in attribute order), then at most one invalid-parameters message.
 
 // A shape or `use` element (kinds Path to Use): its component, styled by a copy of `inherited`
 // with the tag's presentation attributes applied; nullptr when the element is invalid (a message
 // was added) or, for a path without data, silently dropped. Equal styling is shared through
-// `interner`.
-std::shared_ptr<SVGComponent> buildComponent(ElementKind kind, const SVGEvent& event,
-                                             const PresentationAttributes* inherited,
-                                             SVGDefinition& definition,
-                                             AttributeSetInterner& interner);
+// `interner`. When `deferredPointList` is given, a polygon whose point list would stop the
+// process is not built either: its list is stored there, for the caller to stop on once it knows
+// the document is well formed.
+std::shared_ptr<SVGComponent> buildComponent(
+    ElementKind kind, const SVGTag& tag, InheritedAttributes& inherited, SVGDefinition& definition,
+    AttributeSetInterner& interner, std::optional<std::string>* deferredPointList = nullptr);
 
 // A `g` element: the attribute set its children inherit (a copy of `inherited` with the tag's
 // presentation attributes applied). The group's own id is ignored.
-PresentationAttributes readGroupAttributes(const SVGEvent& event,
+PresentationAttributes readGroupAttributes(const SVGTag& tag,
                                            const PresentationAttributes* inherited,
                                            SVGDefinition& definition);
 
 // A `clipPath` element: its id ("" when it has none). Every other attribute is reported, the
 // presentation attributes included, since a clip path carries no styling of its own.
+std::string readClipPathId(const SVGTag& tag, SVGDefinition& definition);
 std::string readClipPathId(const SVGEvent& event, SVGDefinition& definition);
+
+// Whether building a polygon from this point list stops the process: read in pairs, an odd count
+// of components leaves an x without its y.
+bool pointListStops(std::string_view pointsText);
 
 }  // namespace tessaline

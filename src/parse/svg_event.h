@@ -1,6 +1,8 @@
 #pragma once
 
+#include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -17,5 +19,25 @@ struct SVGEvent {
   std::string name;
   Attributes attributes;
 };
+
+// One attribute of a start tag, viewing text owned by whoever delivered the tag.
+struct SVGAttributeView {
+  std::string_view name;
+  std::string_view value;
+};
+
+// A start tag as the element handlers read it: views only, so a tag straight from the XML reader
+// is handled without copying a single name or value. Valid only as long as the text it views.
+struct SVGTag {
+  std::string_view name;
+  std::span<const SVGAttributeView> attributes;
+};
+
+// Views of a recorded start tag; `storage` holds the attribute views the tag points into.
+inline SVGTag tagOf(const SVGEvent& event, std::vector<SVGAttributeView>& storage) {
+  storage.clear();
+  for (const auto& [name, value] : event.attributes) storage.push_back({name, value});
+  return {event.name, storage};
+}
 
 }  // namespace tessaline

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/ascii_case.h"
+#include "parse/folded_name.h"
 
 namespace tessaline {
 namespace {
@@ -22,7 +22,7 @@ struct KnownAttribute {
   Field field;
 };
 
-// Sorted by name (byte order) for the binary search in lookUp.
+// Sorted by name (byte order); the index of a name is its bit in ConsumedAttributes.
 constexpr std::array<KnownAttribute, 11> kKnownAttributes{{
     {"clip-path", Rule::Replace, &PresentationAttributes::clipPath},
     {"fill", Rule::Replace, &PresentationAttributes::fill},
@@ -51,22 +51,68 @@ constexpr Field kAllFields[] = {
     &PresentationAttributes::clipPath,
 };
 
-const KnownAttribute* lookUp(std::string_view foldedName) {
-  auto it = std::ranges::lower_bound(kKnownAttributes, foldedName, {}, &KnownAttribute::name);
-  if (it == kKnownAttributes.end() || it->name != foldedName) return nullptr;
-  return &*it;
+// The index in kKnownAttributes of a folded name, or -1. Parsing asks this of every attribute of
+// every element, so it compares against literals picked by length rather than searching.
+constexpr int lookUp(std::string_view foldedName) {
+  const std::string_view n = foldedName;
+  switch (n.size()) {
+    case 4:
+      return n == "fill" ? 1 : -1;
+    case 5:
+      return n == "style" ? 9 : -1;
+    case 6:
+      return n == "stroke" ? 4 : -1;
+    case 7:
+      return n == "opacity" ? 3 : -1;
+    case 9:
+      return n == "clip-path" ? 0 : n == "transform" ? 10 : -1;
+    case 12:
+      return n == "fill-opacity" ? 2 : n == "stroke-width" ? 8 : -1;
+    case 14:
+      return n == "stroke-linecap" ? 5 : -1;
+    case 15:
+      return n == "stroke-linejoin" ? 6 : -1;
+    case 17:
+      return n == "stroke-miterlimit" ? 7 : -1;
+    default:
+      return -1;
+  }
 }
 
-// Splits on `separator`, dropping empty pieces.
-std::vector<std::string_view> splitDroppingEmpty(std::string_view text, char separator) {
-  std::vector<std::string_view> pieces;
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find(separator), text.size());
-    if (end > 0) pieces.push_back(text.substr(0, end));
-    text.remove_prefix(std::min(end + 1, text.size()));
+constexpr bool lookUpFindsEveryKnownName() {
+  for (std::size_t i = 0; i < kKnownAttributes.size(); ++i) {
+    if (lookUp(kKnownAttributes[i].name) != static_cast<int>(i)) return false;
   }
-  return pieces;
+  return true;
 }
+static_assert(lookUpFindsEveryKnownName());
+static_assert(kKnownAttributes.size() <= 16, "ConsumedAttributes holds one bit per name");
+
+int lookUpRaw(std::string_view attrName) {
+  return lookUp(FoldedName(attrName).view());
+}
+
+// The pieces of `text` between separators, empty ones dropped, without building a list: a style
+// is taken apart on every element that has one.
+class Pieces {
+ public:
+  Pieces(std::string_view text, char separator) : rest_(text), separator_(separator) {}
+
+  // The next non-empty piece, or false when there is none.
+  bool next(std::string_view& piece) {
+    while (!rest_.empty()) {
+      const std::size_t end = std::min(rest_.find(separator_), rest_.size());
+      piece = rest_.substr(0, end);
+      rest_.remove_prefix(std::min(end + 1, rest_.size()));
+      if (end > 0) return true;
+    }
+    return false;
+  }
+
+ private:
+  std::string_view rest_;
+  char separator_;
+};
 
 // Blanks and tabs only: a line break inside a declaration is part of its name or value.
 std::string_view trimBlanks(std::string_view text) {
@@ -85,26 +131,48 @@ PresentationAttributes::PresentationAttributes(const PresentationAttributes* fro
 std::vector<std::string> PresentationAttributes::parse(const SVGEvent& event) {
   std::vector<std::string> consumed;
   for (const auto& [name, value] : event.attributes) {
-    if (auto canonical = processAttribute(name, value)) consumed.emplace_back(*canonical);
+    const int index = processAttribute(name, value);
+    if (index >= 0) consumed.emplace_back(kKnownAttributes[static_cast<std::size_t>(index)].name);
   }
   return consumed;
 }
 
-std::optional<std::string_view> PresentationAttributes::processAttribute(
-    std::string_view attrName, std::string_view attrValue) {
-  const KnownAttribute* known = lookUp(foldAsciiCase(attrName));
-  if (known == nullptr) return std::nullopt;
+ConsumedAttributes PresentationAttributes::apply(const SVGTag& tag) {
+  ConsumedAttributes consumed;
+  for (const SVGAttributeView& attribute : tag.attributes) {
+    const int index = processAttribute(attribute.name, attribute.value);
+    if (index >= 0) consumed.bits_ |= static_cast<std::uint16_t>(1u << index);
+  }
+  return consumed;
+}
 
-  switch (known->rule) {
+bool PresentationAttributes::namesAny(const SVGTag& tag) {
+  return std::ranges::any_of(tag.attributes, [](const SVGAttributeView& attribute) {
+    return lookUpRaw(attribute.name) >= 0;
+  });
+}
+
+bool ConsumedAttributes::contains(std::string_view foldedName) const {
+  const int index = lookUp(foldedName);
+  return index >= 0 && (bits_ & (1u << index)) != 0;
+}
+
+int PresentationAttributes::processAttribute(std::string_view attrName,
+                                             std::string_view attrValue) {
+  const int index = lookUpRaw(attrName);
+  if (index < 0) return -1;
+  const KnownAttribute& known = kKnownAttributes[static_cast<std::size_t>(index)];
+
+  switch (known.rule) {
     case Rule::Replace:
-      this->*known->field = std::string(attrValue);
+      (this->*known.field).emplace(attrValue);
       break;
     case Rule::Accumulate: {
-      std::optional<std::string>& list = this->*known->field;
+      std::optional<std::string>& list = this->*known.field;
       if (list) {
         list->append(" ").append(attrValue);
       } else {
-        list = std::string(attrValue);
+        list.emplace(attrValue);
       }
       break;
     }
@@ -112,20 +180,24 @@ std::optional<std::string_view> PresentationAttributes::processAttribute(
       // Every well-formed declaration is applied; one malformed declaration only withholds
       // "style" from the consumed names, so the element reports the attribute as unknown.
       bool wellFormed = true;
-      for (std::string_view declaration : splitDroppingEmpty(attrValue, ';')) {
-        const std::vector<std::string_view> parts = splitDroppingEmpty(declaration, ':');
-        if (parts.size() != 2) {
+      Pieces declarations(attrValue, ';');
+      for (std::string_view declaration; declarations.next(declaration);) {
+        Pieces parts(declaration, ':');
+        std::string_view name;
+        std::string_view value;
+        std::string_view extra;
+        if (!parts.next(name) || !parts.next(value) || parts.next(extra)) {
           wellFormed = false;
           continue;
         }
         // Unknown properties inside a style are ignored without a trace.
-        (void)processAttribute(trimBlanks(parts[0]), trimBlanks(parts[1]));
+        (void)processAttribute(trimBlanks(name), trimBlanks(value));
       }
-      if (!wellFormed) return std::nullopt;
+      if (!wellFormed) return -1;
       break;
     }
   }
-  return known->name;
+  return index;
 }
 
 PresentationAttributes PresentationAttributes::join(const PresentationAttributes* base,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -8,6 +9,18 @@
 #include "parse/svg_event.h"
 
 namespace tessaline {
+
+// The presentation attributes a tag's own attributes were consumed as, by canonical name.
+class ConsumedAttributes {
+ public:
+  // Whether an attribute whose name folds to `foldedName` was consumed.
+  bool contains(std::string_view foldedName) const;
+  bool empty() const { return bits_ == 0; }
+
+ private:
+  friend class PresentationAttributes;
+  std::uint16_t bits_ = 0;  // one bit per recognised name
+};
 
 // The styling of one element as the raw strings the document gave. Absent means "not specified,
 // may inherit"; a present empty string is a value and blocks inheritance.
@@ -20,6 +33,12 @@ class PresentationAttributes {
   // Applies every attribute of the tag in document order; returns the lower-case names of the
   // attributes consumed here ("style" only when all its declarations were well formed).
   std::vector<std::string> parse(const SVGEvent& event);
+  // The same for a tag given as views, answering which names were consumed without building
+  // strings: this is what parsing a document uses.
+  ConsumedAttributes apply(const SVGTag& tag);
+  // Whether any of the tag's attributes is named as a presentation attribute, in which case
+  // apply may change the set; otherwise it certainly leaves it as it is.
+  static bool namesAny(const SVGTag& tag);
 
   // The element's own attributes (`base`) over those inherited (`join`); fields are never
   // combined. Always a fresh set.
@@ -40,9 +59,9 @@ class PresentationAttributes {
   friend bool operator==(const PresentationAttributes&, const PresentationAttributes&) = default;
 
  private:
-  // Returns the canonical name when `attrName` was recognised, nullopt otherwise.
-  std::optional<std::string_view> processAttribute(std::string_view attrName,
-                                                   std::string_view attrValue);
+  // Returns the index of the recognised name `attrName` was consumed as, or -1 when it was not
+  // recognised or was a style with a malformed declaration.
+  int processAttribute(std::string_view attrName, std::string_view attrValue);
 };
 
 }  // namespace tessaline

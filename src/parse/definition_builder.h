@@ -1,0 +1,80 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "parse/attribute_set_interner.h"
+#include "parse/svg_event.h"
+#include "style/presentation_attributes.h"
+
+namespace tessaline {
+
+class SVGDefinition;
+
+// Builds one definition from the tags that follow its start tag, handed over one at a time. This
+// is SVGDefinition::parseData turned around: the document reader pushes the XML reader's tags
+// straight in, so a sprite is never recorded as events first, while parseData pulls recorded
+// events and pushes them the same way. A builder can be used for one definition after another.
+class DefinitionBuilder {
+ public:
+  // Components with equal styling share one copy through `interner`. With `deferFatalStops`, a
+  // polygon whose point list would stop the process stops the building instead (see
+  // deferredPointList): a reader still inside the XML reader must not stop before it knows the
+  // document is well formed, since a malformed document builds nothing at all.
+  explicit DefinitionBuilder(AttributeSetInterner& interner, bool deferFatalStops = false);
+
+  // Starts on `definition`, whose own start tag has been read. Its elements start from
+  // `symbolAttributes` (null: none), which must outlive the building.
+  void begin(SVGDefinition& definition, const PresentationAttributes* symbolAttributes);
+
+  void start(const SVGTag& tag);
+  // An end tag. True when it completed the definition begin() was given.
+  bool end(std::string_view name);
+  // The end of the document, or of the events: completes the innermost open definition only.
+  // True when that was the definition begin() was given.
+  bool endOfEvents();
+
+  // The point list of the polygon that stopped the building, when deferring; no tag may be
+  // handed over once there is one.
+  const std::optional<std::string>& deferredPointList() const { return deferredPointList_; }
+
+ private:
+  // One definition under construction. A `clipPath` or `defs` start tag opens a fresh frame, as a
+  // nested parse would, but on an explicit stack so that hostile nesting depth costs heap rather
+  // than call stack.
+  struct Frame {
+    enum class Kind { Outermost, ClipPath, Defs };
+
+    Frame(SVGDefinition* definition, std::shared_ptr<SVGDefinition> owned, Kind kind,
+          std::string clipPathId, const PresentationAttributes* inherited)
+        : definition(definition),
+          owned(std::move(owned)),
+          kind(kind),
+          clipPathId(std::move(clipPathId)),
+          inherited(inherited) {}
+
+    SVGDefinition* definition;
+    std::shared_ptr<SVGDefinition> owned;  // null for the definition begin() was given
+    Kind kind;
+    std::string clipPathId;
+    // The attributes the next element starts from: the symbol's, an entry of groupTable, or none.
+    InheritedAttributes inherited;
+    long long groupLevel = -1;
+    std::map<long long, PresentationAttributes> groupTable;
+  };
+
+  void openGroup(Frame& frame, const SVGTag& tag);
+  static void closeGroup(Frame& frame);
+  bool finishFrame();
+
+  AttributeSetInterner& interner_;
+  bool deferFatalStops_;
+  std::vector<Frame> frames_;
+  std::optional<std::string> deferredPointList_;
+};
+
+}  // namespace tessaline

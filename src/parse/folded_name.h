@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+#include "platform/ascii_case.h"
+
+namespace tessaline {
+
+// A name folded to lower case in a buffer of its own, for matching against the names the library
+// knows. Parsing folds every element and attribute name of a document; folding into a
+// std::string would cost an allocation for each name past the small-string size.
+class FoldedName {
+ public:
+  // Longer than any name the library recognises (the longest is "stroke-miterlimit").
+  static constexpr std::size_t kCapacity = 24;
+
+  explicit FoldedName(std::string_view name) {
+    // A longer name cannot match: it is left empty, and no recognised name is empty.
+    if (name.size() > kCapacity) return;
+    for (std::size_t i = 0; i < name.size(); ++i) text_[i] = foldAsciiCase(name[i]);
+    size_ = name.size();
+  }
+
+  std::string_view view() const { return {text_, size_}; }
+  bool operator==(std::string_view other) const { return view() == other; }
+
+ private:
+  char text_[kCapacity];
+  std::size_t size_ = 0;
+};
+
+}  // namespace tessaline
