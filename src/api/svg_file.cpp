@@ -1,15 +1,21 @@
 #include "tessaline/svg_file.h"
 
-#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "geometry/basic_shapes.h"
 #include "parse/attribute_set_interner.h"
+#include "parse/definition_builder.h"
+#include "parse/element_handlers.h"
+#include "parse/folded_name.h"
 #include "parse/svg_definition.h"
-#include "parse/svg_xml_parser.h"
-#include "platform/ascii_case.h"
 #include "platform/number_reader.h"
+#include "platform/xml_reader.h"
 #include "style/presentation_attributes.h"
 
 namespace tessaline {
@@ -24,14 +30,16 @@ constexpr std::string_view kNoDefinitionForKey = "No SVG Definition found for ke
 // which is how the documents this library serves were written; anything but exactly four pieces
 // (commas, doubled blanks, a trailing blank) gives no box at all.
 std::optional<Rect> readViewBox(std::string_view value) {
-  std::vector<std::string_view> pieces;
+  std::string_view pieces[4];
+  std::size_t count = 0;
   while (true) {
+    if (count == 4) return std::nullopt;
     const std::size_t blank = value.find(' ');
-    pieces.push_back(value.substr(0, blank));
+    pieces[count++] = value.substr(0, blank);
     if (blank == std::string_view::npos) break;
     value.remove_prefix(blank + 1);
   }
-  if (pieces.size() != 4) return std::nullopt;
+  if (count != 4) return std::nullopt;
   const float a = readLenientFloat(pieces[0]);
   const float b = readLenientFloat(pieces[1]);
   const float c = readLenientFloat(pieces[2]);
@@ -39,65 +47,139 @@ std::optional<Rect> readViewBox(std::string_view value) {
   return Rect{a, b, c - a, d - b};
 }
 
-// Reads one symbol start tag into a new definition and parses its content. nullptr when the tag
-// has no id: its content is then left to the document loop.
-std::shared_ptr<SVGDefinition> readSymbol(const SVGEvent& tag, SVGXMLParser& parser,
-                                          AttributeSetInterner& interner) {
-  auto definition = std::make_shared<SVGDefinition>();
-  PresentationAttributes symbolAttributes;
-  const std::vector<std::string> consumed = symbolAttributes.parse(tag);
+using SymbolTable = std::map<std::string, std::shared_ptr<const SVGDefinition>>;
 
-  std::optional<std::string> id;
-  std::optional<std::string> width;
-  std::optional<std::string> height;
-  std::optional<Rect> viewBox;
-  for (const auto& [name, value] : tag.attributes) {
-    const std::string folded = foldAsciiCase(name);
-    if (folded == "id") {
-      id = value;
-    } else if (folded == "width") {
-      width = value;
-    } else if (folded == "height") {
-      height = value;
-    } else if (folded == "xmlns") {
-      // Namespace declarations are the document's business, not the symbol's.
-    } else if (folded == "viewbox") {
-      viewBox = readViewBox(value);
-    } else if (std::ranges::find(consumed, folded) == consumed.end()) {
-      definition->errorMessages.emplace_back(kUnknownSymbolAttribute);
+// Builds the symbol table straight from the XML reader's callbacks: tags are handled as they
+// are met, viewing the reader's own text, and nothing of the document is recorded on the way.
+// What it builds is kept only once the whole document has been read and found well formed.
+class SpriteReader final : public XmlReaderCallbacks {
+ public:
+  SpriteReader() : builder_(interner_, /*deferFatalStops=*/true) {}
+
+  void start(std::string_view name, Attributes attributes) override {
+    if (oversized_) return;
+    views_.clear();
+    for (Attributes entry = attributes; entry[0] != nullptr; entry += 2) {
+      views_.push_back({entry[0], entry[1]});
+      if (oversized(views_.back().name) || oversized(views_.back().value)) return;
+    }
+    if (oversized(name) || stopped()) return;
+    const SVGTag tag{name, views_};
+    if (current_) {
+      builder_.start(tag);
+    } else if (FoldedName(name) == "symbol") {
+      // Only symbols become entries; every other element is walked past, so a symbol nested in
+      // any other element (outside a symbol) is still found.
+      beginSymbol(tag);
     }
   }
-  if (!id) return nullptr;
 
-  definition->id = *id;
-  if (viewBox) {
-    definition->viewBox = viewBox;
-  } else if (width && height && !width->empty() && !height->empty()) {
-    // Units such as "px" fall away in the lenient conversion.
-    definition->viewBox = Rect{0, 0, readLenientFloat(*width), readLenientFloat(*height)};
+  void end(std::string_view name) override {
+    if (oversized(name) || stopped() || !current_) return;
+    if (builder_.end(name)) finishSymbol();
   }
-  definition->parseData(parser, &symbolAttributes, &interner);
-  return definition;
-}
+
+  // Completes what the end of the document leaves open and hands over the table, or an empty
+  // one when the document was not well formed.
+  SymbolTable finish(bool wellFormed) {
+    if (!wellFormed || oversized_) return {};
+    if (const std::optional<std::string>& points = builder_.deferredPointList()) {
+      // The stop a polygon makes while building, made now that the document is known to be
+      // well formed, as it always was.
+      const PolygonComponent stop(std::nullopt, *points, ComponentAttributes());
+    }
+    if (current_) {
+      while (!builder_.endOfEvents()) {
+      }
+      finishSymbol();
+    }
+    return std::move(table_);
+  }
+
+ private:
+  bool stopped() const { return oversized_ || builder_.deferredPointList().has_value(); }
+
+  // A name or value of 2 GiB or more: no icon has one, and such a document is treated like one
+  // that is not well formed rather than stopping the host.
+  bool oversized(std::string_view text) {
+    if (text.size() > UINT32_MAX / 2) oversized_ = true;
+    return oversized_;
+  }
+
+  // A symbol start tag. Without an id it becomes no definition and its content is walked past
+  // like any other element's.
+  void beginSymbol(const SVGTag& tag) {
+    symbolAttributes_ = PresentationAttributes();
+    const ConsumedAttributes consumed = symbolAttributes_.apply(tag);
+
+    std::optional<std::string_view> id;
+    std::optional<std::string_view> width;
+    std::optional<std::string_view> height;
+    std::optional<Rect> viewBox;
+    std::size_t unknown = 0;
+    for (const SVGAttributeView& attribute : tag.attributes) {
+      const FoldedName folded(attribute.name);
+      switch (attributeNameFor(folded.view())) {
+        case AttributeName::Id:
+          id = attribute.value;
+          break;
+        case AttributeName::Width:
+          width = attribute.value;
+          break;
+        case AttributeName::Height:
+          height = attribute.value;
+          break;
+        case AttributeName::Xmlns:
+          // Namespace declarations are the document's business, not the symbol's.
+          break;
+        case AttributeName::ViewBox:
+          viewBox = readViewBox(attribute.value);
+          break;
+        default:
+          if (!consumed.contains(folded.view())) ++unknown;
+          break;
+      }
+    }
+    if (!id) return;
+
+    auto definition = std::make_shared<SVGDefinition>();
+    for (std::size_t i = 0; i < unknown; ++i) {
+      definition->errorMessages.emplace_back(kUnknownSymbolAttribute);
+    }
+    definition->id = *id;
+    if (viewBox) {
+      definition->viewBox = viewBox;
+    } else if (width && height && !width->empty() && !height->empty()) {
+      // Units such as "px" fall away in the lenient conversion.
+      definition->viewBox = Rect{0, 0, readLenientFloat(*width), readLenientFloat(*height)};
+    }
+    builder_.begin(*definition, &symbolAttributes_);
+    current_ = std::move(definition);
+  }
+
+  void finishSymbol() {
+    // A later symbol with the same id replaces the earlier one.
+    const std::string& key = current_->id;
+    table_.insert_or_assign(key, std::move(current_));
+    current_ = nullptr;
+  }
+
+  // Sprites repeat the same styling across symbols as much as within one.
+  AttributeSetInterner interner_;
+  DefinitionBuilder builder_;
+  std::vector<SVGAttributeView> views_;
+  PresentationAttributes symbolAttributes_;
+  std::shared_ptr<SVGDefinition> current_;  // the symbol being built, if any
+  SymbolTable table_;
+  bool oversized_ = false;
+};
 
 }  // namespace
 
 SVGFile::SVGFile(std::string_view rawFile) {
-  SVGXMLParser parser(rawFile);
-  // Sprites repeat the same styling across symbols as much as within one.
-  AttributeSetInterner interner;
-  // Only symbols become entries; every other element is walked past, so a symbol nested in any
-  // other element (outside a symbol) is still found.
-  for (const SVGEvent* event = parser.nextEvent();
-       event != nullptr && event->eventType != EventType::EndOfDocument;
-       event = parser.nextEvent()) {
-    if (event->eventType != EventType::StartTag || foldAsciiCase(event->name) != "symbol") continue;
-    if (std::shared_ptr<SVGDefinition> definition = readSymbol(*event, parser, interner)) {
-      // A later symbol with the same id replaces the earlier one.
-      const std::string key = definition->id;
-      symbolDefinitions.insert_or_assign(key, std::move(definition));
-    }
-  }
+  SpriteReader reader;
+  const bool wellFormed = readXml(rawFile, reader);
+  symbolDefinitions = reader.finish(wellFormed);
 }
 
 SVGFile::~SVGFile() = default;
