@@ -109,8 +109,8 @@ class SpriteReader final : public XmlReaderCallbacks {
   // A symbol start tag. Without an id it becomes no definition and its content is walked past
   // like any other element's.
   void beginSymbol(const SVGTag& tag) {
-    symbolAttributes_ = PresentationAttributes();
-    const ConsumedAttributes consumed = symbolAttributes_.apply(tag);
+    StyledAttributes styled = interner_.apply(nullptr, tag);
+    const ConsumedAttributes consumed = styled.consumed;
 
     std::optional<std::string_view> id;
     std::optional<std::string_view> width;
@@ -153,14 +153,16 @@ class SpriteReader final : public XmlReaderCallbacks {
       // Units such as "px" fall away in the lenient conversion.
       definition->viewBox = Rect{0, 0, readLenientFloat(*width), readLenientFloat(*height)};
     }
-    builder_.begin(*definition, &symbolAttributes_);
+    builder_.begin(*definition, std::move(styled.attributes));
     current_ = std::move(definition);
   }
 
   void finishSymbol() {
-    // A later symbol with the same id replaces the earlier one.
+    // A later symbol with the same id replaces the earlier one. Sprites tend to list their
+    // symbols in id order: the end of the table is tried first, and the search made only when
+    // the id does not go there.
     const std::string& key = current_->id;
-    table_.insert_or_assign(key, std::move(current_));
+    table_.insert_or_assign(table_.end(), key, std::move(current_));
     current_ = nullptr;
   }
 
@@ -168,7 +170,6 @@ class SpriteReader final : public XmlReaderCallbacks {
   AttributeSetInterner interner_;
   DefinitionBuilder builder_;
   std::vector<SVGAttributeView> views_;
-  PresentationAttributes symbolAttributes_;
   std::shared_ptr<SVGDefinition> current_;  // the symbol being built, if any
   SymbolTable table_;
   bool oversized_ = false;

@@ -3,6 +3,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace tessaline {
 namespace {
@@ -32,6 +33,33 @@ std::shared_ptr<const PresentationAttributes> AttributeSetInterner::intern(
   }
   bucket.push_back(std::make_shared<const PresentationAttributes>(std::move(attributes)));
   return bucket.back();
+}
+
+StyledAttributes AttributeSetInterner::apply(const PresentationAttributes* base,
+                                             const SVGTag& tag) {
+  constexpr std::size_t kSlots = 64;
+  // Only the presentation attributes decide the outcome, in their order; the lengths keep
+  // "ab" + "c" apart from "a" + "bc".
+  text_.clear();
+  for (const SVGAttributeView& attribute : tag.attributes) {
+    if (!PresentationAttributes::isPresentationName(attribute.name)) continue;
+    for (std::string_view part : {attribute.name, attribute.value}) {
+      const std::size_t length = part.size();
+      text_.append(reinterpret_cast<const char*>(&length), sizeof length).append(part);
+    }
+  }
+  const std::size_t hash =
+      std::hash<std::string_view>{}(text_) ^ std::hash<const void*>{}(base)*0x9e3779b97f4a7c15ull;
+  if (remembered_.empty()) remembered_.resize(kSlots);
+  Remembered& slot = remembered_[hash % kSlots];
+  if (slot.outcome.attributes && slot.base == base && slot.text == text_) return slot.outcome;
+
+  PresentationAttributes attributes(base);
+  const ConsumedAttributes consumed = attributes.apply(tag);
+  slot.base = base;
+  slot.text = text_;
+  slot.outcome = {intern(std::move(attributes)), consumed};
+  return slot.outcome;
 }
 
 }  // namespace tessaline

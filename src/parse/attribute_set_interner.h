@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -27,14 +28,38 @@ class ComponentAttributes {
   std::shared_ptr<const PresentationAttributes> shared_;
 };
 
+// What a tag's presentation attributes make of an attribute set: the shared copy of the result
+// and the names they were consumed as.
+struct StyledAttributes {
+  std::shared_ptr<const PresentationAttributes> attributes;
+  ConsumedAttributes consumed;
+};
+
 // Hands out one shared copy per distinct attribute set met while one definition is parsed.
 class AttributeSetInterner {
  public:
   std::shared_ptr<const PresentationAttributes> intern(PresentationAttributes attributes);
 
+  // `base` with the tag's presentation attributes applied, as a shared copy. `base` is a set this
+  // interner handed out, or null for an empty set. Sprites apply the same few attribute texts to
+  // the same few sets thousands of times (every symbol of a set spells out the same styling), so
+  // the outcome is remembered by the set and the text of those attributes: met again, it costs a
+  // comparison instead of a copy, an application and a search.
+  StyledAttributes apply(const PresentationAttributes* base, const SVGTag& tag);
+
  private:
+  struct Remembered {
+    const PresentationAttributes* base = nullptr;
+    std::string text;  // as made by apply: the attributes' names and values with their lengths
+    StyledAttributes outcome;
+  };
+
   std::unordered_map<std::size_t, std::vector<std::shared_ptr<const PresentationAttributes>>>
       byHash_;
+  // A fixed number of slots picked by hash, so the memory stays small however varied a document
+  // is; a newer outcome takes an older one's slot.
+  std::vector<Remembered> remembered_;
+  std::string text_;  // reused for the text of each tag
 };
 
 // The attribute set the elements of one scope start from (null: none). Most elements add no
@@ -44,6 +69,9 @@ class InheritedAttributes {
  public:
   explicit InheritedAttributes(const PresentationAttributes* attributes = nullptr)
       : attributes_(attributes) {}
+  // A set that is already shared.
+  explicit InheritedAttributes(std::shared_ptr<const PresentationAttributes> shared)
+      : attributes_(shared.get()), shared_(std::move(shared)) {}
 
   const PresentationAttributes* get() const { return attributes_; }
   void set(const PresentationAttributes* attributes) {

@@ -30,6 +30,9 @@ class DefinitionBuilder {
   // Starts on `definition`, whose own start tag has been read. Its elements start from
   // `symbolAttributes` (null: none), which must outlive the building.
   void begin(SVGDefinition& definition, const PresentationAttributes* symbolAttributes);
+  // The same with the symbol's attributes as a set the interner handed out.
+  void begin(SVGDefinition& definition,
+             std::shared_ptr<const PresentationAttributes> symbolAttributes);
 
   void start(const SVGTag& tag);
   // An end tag. True when it completed the definition begin() was given.
@@ -50,12 +53,12 @@ class DefinitionBuilder {
     enum class Kind { Outermost, ClipPath, Defs };
 
     Frame(SVGDefinition* definition, std::shared_ptr<SVGDefinition> owned, Kind kind,
-          std::string clipPathId, const PresentationAttributes* inherited)
+          std::string clipPathId, InheritedAttributes inherited)
         : definition(definition),
           owned(std::move(owned)),
           kind(kind),
           clipPathId(std::move(clipPathId)),
-          inherited(inherited) {}
+          inherited(std::move(inherited)) {}
 
     SVGDefinition* definition;
     std::shared_ptr<SVGDefinition> owned;  // null for the definition begin() was given

@@ -27,7 +27,15 @@ DefinitionBuilder::DefinitionBuilder(AttributeSetInterner& interner, bool deferF
 void DefinitionBuilder::begin(SVGDefinition& definition,
                               const PresentationAttributes* symbolAttributes) {
   frames_.clear();
-  frames_.emplace_back(&definition, nullptr, Frame::Kind::Outermost, "", symbolAttributes);
+  frames_.emplace_back(&definition, nullptr, Frame::Kind::Outermost, "",
+                       InheritedAttributes(symbolAttributes));
+}
+
+void DefinitionBuilder::begin(SVGDefinition& definition,
+                              std::shared_ptr<const PresentationAttributes> symbolAttributes) {
+  frames_.clear();
+  frames_.emplace_back(&definition, nullptr, Frame::Kind::Outermost, "",
+                       InheritedAttributes(std::move(symbolAttributes)));
 }
 
 void DefinitionBuilder::openGroup(Frame& frame, const SVGTag& tag) {
@@ -71,14 +79,15 @@ void DefinitionBuilder::start(const SVGTag& tag) {
       std::string id = readClipPathId(tag, definition);
       auto nested = std::make_shared<SVGDefinition>();
       SVGDefinition* raw = nested.get();
-      frames_.emplace_back(raw, std::move(nested), Frame::Kind::ClipPath, std::move(id), nullptr);
+      frames_.emplace_back(raw, std::move(nested), Frame::Kind::ClipPath, std::move(id),
+                           InheritedAttributes());
       break;
     }
     case ElementKind::Defs: {
       // The attributes of a defs tag carry no meaning and are passed over without a message.
       auto nested = std::make_shared<SVGDefinition>();
       SVGDefinition* raw = nested.get();
-      frames_.emplace_back(raw, std::move(nested), Frame::Kind::Defs, "", nullptr);
+      frames_.emplace_back(raw, std::move(nested), Frame::Kind::Defs, "", InheritedAttributes());
       break;
     }
     default:

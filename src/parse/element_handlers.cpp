@@ -308,10 +308,9 @@ std::shared_ptr<SVGComponent> buildComponent(ElementKind kind, const SVGTag& tag
     if (!sortAttributes(ruleFor(kind), tag, {}, slots, definition)) return nullptr;
     return makeComponent(kind, slots, inherited.shared(interner), deferredPointList);
   }
-  PresentationAttributes attributes(inherited.get());
-  const ConsumedAttributes consumed = attributes.apply(tag);
-  if (!sortAttributes(ruleFor(kind), tag, consumed, slots, definition)) return nullptr;
-  return makeComponent(kind, slots, interner.intern(std::move(attributes)), deferredPointList);
+  StyledAttributes styled = interner.apply(inherited.shared(interner).get(), tag);
+  if (!sortAttributes(ruleFor(kind), tag, styled.consumed, slots, definition)) return nullptr;
+  return makeComponent(kind, slots, std::move(styled.attributes), deferredPointList);
 }
 
 PresentationAttributes readGroupAttributes(const SVGTag& tag,

@@ -152,6 +152,10 @@ bool PresentationAttributes::namesAny(const SVGTag& tag) {
   });
 }
 
+bool PresentationAttributes::isPresentationName(std::string_view attrName) {
+  return lookUpRaw(attrName) >= 0;
+}
+
 bool ConsumedAttributes::contains(std::string_view foldedName) const {
   const int index = lookUp(foldedName);
   return index >= 0 && (bits_ & (1u << index)) != 0;

@@ -39,6 +39,8 @@ class PresentationAttributes {
   // Whether any of the tag's attributes is named as a presentation attribute, in which case
   // apply may change the set; otherwise it certainly leaves it as it is.
   static bool namesAny(const SVGTag& tag);
+  // Whether `attrName` names a presentation attribute, whatever its case.
+  static bool isPresentationName(std::string_view attrName);
 
   // The element's own attributes (`base`) over those inherited (`join`); fields are never
   // combined. Always a fresh set.

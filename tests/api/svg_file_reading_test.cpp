@@ -112,6 +112,42 @@ TEST(SVGFileReading, EqualStylingIsOneSharedSetWhereverItComesFrom) {
   EXPECT_EQ(&attributesOf(c, 0), &empty);
 }
 
+TEST(SVGFileReading, StylingMetAgainGivesWhatItGaveTheFirstTime) {
+  // The same attribute texts over and over, over two different sets, with more distinct texts
+  // than any reader could keep at hand.
+  std::string body;
+  for (int round = 0; round < 3; ++round) {
+    for (int i = 0; i < 100; ++i) {
+      const std::string styling = std::string("stroke='s").append(std::to_string(i)).append("'");
+      body += "<path d='M0 0' " + styling + "/><g fill='g'><path d='M1 1' " + styling + "/></g>";
+    }
+    body += "<path d='M2 2' style='fill: red;x'/><path d='M3 3' Style='opacity:1'/>";
+  }
+  const SVGFile file("<svg><symbol id='a' fill='f'>" + body + "</symbol></svg>");
+  const SVGDefinition& a = definitionOf(file, "a");
+  ASSERT_EQ(a.svgComponents.size(), 3u * 202);
+  // A malformed style is applied as far as it goes yet reported, every time it is met.
+  EXPECT_EQ(a.errorMessages,
+            std::vector<std::string>(3, "Encountered unknown attribute for path: style"));
+  for (int round = 0; round < 3; ++round) {
+    for (int i = 0; i < 100; ++i) {
+      SCOPED_TRACE(std::to_string(round).append("/").append(std::to_string(i)));
+      const std::size_t at = static_cast<std::size_t>(round * 202 + 2 * i);
+      const std::string stroke = std::string("s").append(std::to_string(i));
+      // The symbol's fill reaches only the paths before the first group closes.
+      EXPECT_EQ(attributesOf(a, at).fill,
+                round == 0 && i == 0 ? std::optional<std::string>("f") : std::nullopt);
+      EXPECT_EQ(attributesOf(a, at).stroke, stroke);
+      EXPECT_EQ(attributesOf(a, at + 1).fill, "g");
+      EXPECT_EQ(attributesOf(a, at + 1).stroke, stroke);
+      EXPECT_EQ(&attributesOf(a, at + 1), &attributesOf(a, 1 + 2 * static_cast<std::size_t>(i)));
+    }
+    const std::size_t last = static_cast<std::size_t>(round * 202 + 200);
+    EXPECT_EQ(attributesOf(a, last).fill, "red");
+    EXPECT_EQ(attributesOf(a, last + 1).opacity, "1");
+  }
+}
+
 TEST(SVGFileReading, NamesOfAnyLengthAreMatchedOrReportedAsWritten) {
   const std::string longName(40, 'f');
   const std::string longData = "M0 0" + std::string(5000, 'h');
