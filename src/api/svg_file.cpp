@@ -118,8 +118,7 @@ class SpriteReader final : public XmlReaderCallbacks {
     std::optional<Rect> viewBox;
     std::size_t unknown = 0;
     for (const SVGAttributeView& attribute : tag.attributes) {
-      const FoldedName folded(attribute.name);
-      switch (attributeNameFor(folded.view())) {
+      switch (attributeNameFor(attribute.name)) {
         case AttributeName::Id:
           id = attribute.value;
           break;
@@ -136,7 +135,7 @@ class SpriteReader final : public XmlReaderCallbacks {
           viewBox = readViewBox(attribute.value);
           break;
         default:
-          if (!consumed.contains(folded.view())) ++unknown;
+          if (!consumed.contains(attribute.name)) ++unknown;
           break;
       }
     }

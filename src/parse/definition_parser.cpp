@@ -14,9 +14,13 @@ namespace {
 
 constexpr std::string_view kUnknownComponent = "Encountered unknown SVG component: ";
 
-bool endsDefinition(const FoldedName& name) {
+enum class Closing { Group, Definition, Nothing };
+
+Closing closingForFoldedName(std::string_view name) {
+  if (name == "g") return Closing::Group;
   // Any of the three ends the innermost definition, whichever element opened it.
-  return name == "symbol" || name == "defs" || name == "clippath";
+  if (name == "symbol" || name == "defs" || name == "clippath") return Closing::Definition;
+  return Closing::Nothing;
 }
 
 }  // namespace
@@ -64,7 +68,7 @@ void DefinitionBuilder::closeGroup(Frame& frame) {
 void DefinitionBuilder::start(const SVGTag& tag) {
   Frame& frame = frames_.back();
   SVGDefinition& definition = *frame.definition;
-  const std::optional<ElementKind> kind = elementKindForName(FoldedName(tag.name).view());
+  const std::optional<ElementKind> kind = elementKindForName(tag.name);
   if (!kind) {
     // Only the element itself is unknown: its children are parsed as if they stood here.
     definition.errorMessages.push_back(std::string(kUnknownComponent).append(tag.name));
@@ -100,12 +104,16 @@ void DefinitionBuilder::start(const SVGTag& tag) {
 }
 
 bool DefinitionBuilder::end(std::string_view name) {
-  const FoldedName folded(name);
-  if (folded == "g") {
-    closeGroup(frames_.back());
-    return false;
+  switch (lookUpFolded(name, closingForFoldedName, Closing::Nothing)) {
+    case Closing::Group:
+      closeGroup(frames_.back());
+      return false;
+    case Closing::Definition:
+      return finishFrame();
+    case Closing::Nothing:
+      break;
   }
-  return endsDefinition(folded) && finishFrame();
+  return false;
 }
 
 bool DefinitionBuilder::endOfEvents() {

@@ -179,14 +179,13 @@ using Slots = std::array<std::string_view, kMaxKept>;
 bool sortAttributes(const HandlerRule& rule, const SVGTag& tag, ConsumedAttributes consumed,
                     Slots& slots, SVGDefinition& definition) {
   for (const SVGAttributeView& attribute : tag.attributes) {
-    const FoldedName folded(attribute.name);
-    const auto name = static_cast<std::size_t>(classify(folded.view()));
+    const auto name = static_cast<std::size_t>(attributeNameFor(attribute.name));
     if ((rule.ignored & (1u << name)) != 0) continue;
     if (const int slot = rule.slot[name]; slot >= 0) {
       slots[static_cast<std::size_t>(slot)] = attribute.value;
       continue;
     }
-    if (!consumed.contains(folded.view())) {
+    if (!consumed.contains(attribute.name)) {
       definition.errorMessages.push_back(std::string(rule.unknownAttribute).append(attribute.name));
     }
   }
@@ -253,8 +252,9 @@ std::shared_ptr<SVGComponent> makeComponent(ElementKind kind, const Slots& s,
 
 }  // namespace
 
-std::optional<ElementKind> elementKindForName(std::string_view foldedName) {
-  const std::string_view n = foldedName;
+namespace {
+
+std::optional<ElementKind> kindForFoldedName(std::string_view n) {
   switch (n.size()) {
     case 1:
       if (n == "g") return ElementKind::Group;
@@ -284,8 +284,14 @@ std::optional<ElementKind> elementKindForName(std::string_view foldedName) {
   return std::nullopt;
 }
 
-AttributeName attributeNameFor(std::string_view foldedName) {
-  return classify(foldedName);
+}  // namespace
+
+std::optional<ElementKind> elementKindForName(std::string_view name) {
+  return lookUpFolded(name, kindForFoldedName, std::optional<ElementKind>());
+}
+
+AttributeName attributeNameFor(std::string_view name) {
+  return lookUpFolded(name, classify, AttributeName::Other);
 }
 
 bool pointListStops(std::string_view pointsText) {

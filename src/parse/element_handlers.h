@@ -18,8 +18,8 @@ class SVGDefinition;
 // The element kinds a definition understands; any other start tag is an unknown component.
 enum class ElementKind { Group, Path, Ellipse, Circle, Rect, Polygon, Line, Use, ClipPath, Defs };
 
-// The kind of a start tag whose name has already been folded to lower case.
-std::optional<ElementKind> elementKindForName(std::string_view foldedName);
+// The kind of a start tag by its name as written, whatever its case.
+std::optional<ElementKind> elementKindForName(std::string_view name);
 
 // The attribute names elements and symbols place by name (presentation attributes aside), so
 // each attribute is told apart once rather than searched for in several lists.
@@ -51,8 +51,8 @@ enum class AttributeName : std::uint8_t {
   ViewBox,
 };
 
-// The name of an attribute whose name has already been folded to lower case.
-AttributeName attributeNameFor(std::string_view foldedName);
+// The name of an attribute as written, whatever its case.
+AttributeName attributeNameFor(std::string_view name);
 
 // Handlers for one start tag. Each appends to `definition.errorMessages` one message per
 // attribute it cannot place (in attribute order), then at most one invalid-parameters message.

@@ -30,4 +30,22 @@ class FoldedName {
   std::size_t size_ = 0;
 };
 
+// Whether folding would change `name`.
+inline bool hasAsciiUpperCase(std::string_view name) {
+  for (char c : name) {
+    if (c >= 'A' && c <= 'Z') return true;
+  }
+  return false;
+}
+
+// What `lookUp` gives for the folded form of `name`, `notFound` being its answer for a name it
+// does not know. Documents mostly write their names in lower case already, so the name is tried
+// as written first and folded only when that fails and folding would change it.
+template <typename LookUp, typename Result>
+Result lookUpFolded(std::string_view name, LookUp&& lookUp, Result notFound) {
+  const Result found = lookUp(name);
+  if (found != notFound || !hasAsciiUpperCase(name)) return found;
+  return lookUp(FoldedName(name).view());
+}
+
 }  // namespace tessaline

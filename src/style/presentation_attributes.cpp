@@ -89,7 +89,7 @@ static_assert(lookUpFindsEveryKnownName());
 static_assert(kKnownAttributes.size() <= 16, "ConsumedAttributes holds one bit per name");
 
 int lookUpRaw(std::string_view attrName) {
-  return lookUp(FoldedName(attrName).view());
+  return lookUpFolded(attrName, lookUp, -1);
 }
 
 // The pieces of `text` between separators, empty ones dropped, without building a list: a style
@@ -156,8 +156,8 @@ bool PresentationAttributes::isPresentationName(std::string_view attrName) {
   return lookUpRaw(attrName) >= 0;
 }
 
-bool ConsumedAttributes::contains(std::string_view foldedName) const {
-  const int index = lookUp(foldedName);
+bool ConsumedAttributes::contains(std::string_view name) const {
+  const int index = lookUpRaw(name);
   return index >= 0 && (bits_ & (1u << index)) != 0;
 }
 

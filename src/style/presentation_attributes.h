@@ -13,8 +13,8 @@ namespace tessaline {
 // The presentation attributes a tag's own attributes were consumed as, by canonical name.
 class ConsumedAttributes {
  public:
-  // Whether an attribute whose name folds to `foldedName` was consumed.
-  bool contains(std::string_view foldedName) const;
+  // Whether an attribute whose name folds as `name` does was consumed.
+  bool contains(std::string_view name) const;
   bool empty() const { return bits_ == 0; }
 
  private:
