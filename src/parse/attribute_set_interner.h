@@ -78,6 +78,10 @@ class InheritedAttributes {
     attributes_ = attributes;
     shared_.reset();
   }
+  void set(std::shared_ptr<const PresentationAttributes> shared) {
+    attributes_ = shared.get();
+    shared_ = std::move(shared);
+  }
 
   // The interned copy of the set (of an empty set when there is none).
   const std::shared_ptr<const PresentationAttributes>& shared(AttributeSetInterner& interner) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <map>
 #include <memory>
 #include <optional>
@@ -50,7 +51,7 @@ class DefinitionBuilder {
   // nested parse would, but on an explicit stack so that hostile nesting depth costs heap rather
   // than call stack.
   struct Frame {
-    enum class Kind { Outermost, ClipPath, Defs };
+    enum class Kind : unsigned char { Outermost, ClipPath, Defs };
 
     Frame(SVGDefinition* definition, std::shared_ptr<SVGDefinition> owned, Kind kind,
           std::string clipPathId, InheritedAttributes inherited)
@@ -67,7 +68,8 @@ class DefinitionBuilder {
     // The attributes the next element starts from: the symbol's, an entry of groupTable, or none.
     InheritedAttributes inherited;
     long long groupLevel = -1;
-    std::map<long long, PresentationAttributes> groupTable;
+    // Made by the first group: a frame per level of hostile nesting stays small without one.
+    std::unique_ptr<std::map<long long, std::shared_ptr<const PresentationAttributes>>> groupTable;
   };
 
   void openGroup(Frame& frame, const SVGTag& tag);
@@ -76,7 +78,8 @@ class DefinitionBuilder {
 
   AttributeSetInterner& interner_;
   bool deferFatalStops_;
-  std::vector<Frame> frames_;
+  // A deque: hostile nesting makes it long, and it grows without moving what it holds.
+  std::deque<Frame> frames_;
   std::optional<std::string> deferredPointList_;
 };
 

@@ -43,24 +43,26 @@ void DefinitionBuilder::begin(SVGDefinition& definition,
 }
 
 void DefinitionBuilder::openGroup(Frame& frame, const SVGTag& tag) {
-  PresentationAttributes attributes =
-      readGroupAttributes(tag, frame.inherited.get(), *frame.definition);
+  std::shared_ptr<const PresentationAttributes> attributes =
+      readGroupAttributes(tag, frame.inherited, *frame.definition, interner_);
   ++frame.groupLevel;
+  if (!frame.groupTable)
+    frame.groupTable = std::make_unique<decltype(frame.groupTable)::element_type>();
   auto [entry, inserted] =
-      frame.groupTable.insert_or_assign(frame.groupLevel, std::move(attributes));
-  frame.inherited.set(&entry->second);
+      frame.groupTable->insert_or_assign(frame.groupLevel, std::move(attributes));
+  frame.inherited.set(entry->second);
 }
 
 // Closing the outermost group deliberately leaves nothing inherited, not even the symbol's own
 // attributes: elements after a top-level group are drawn unstyled. A stray end tag drives the
 // level below -1, after which groups never hand their attributes back on closing.
 void DefinitionBuilder::closeGroup(Frame& frame) {
-  frame.groupTable.erase(frame.groupLevel);
+  if (frame.groupTable) frame.groupTable->erase(frame.groupLevel);
   --frame.groupLevel;
-  frame.inherited.set(nullptr);
-  if (frame.groupLevel >= 0 && !frame.groupTable.empty()) {
-    if (auto entry = frame.groupTable.find(frame.groupLevel); entry != frame.groupTable.end()) {
-      frame.inherited.set(&entry->second);
+  frame.inherited = InheritedAttributes();
+  if (frame.groupLevel >= 0 && frame.groupTable && !frame.groupTable->empty()) {
+    if (auto entry = frame.groupTable->find(frame.groupLevel); entry != frame.groupTable->end()) {
+      frame.inherited.set(entry->second);
     }
   }
 }

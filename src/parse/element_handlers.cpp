@@ -319,14 +319,18 @@ std::shared_ptr<SVGComponent> buildComponent(ElementKind kind, const SVGTag& tag
   return makeComponent(kind, slots, std::move(styled.attributes), deferredPointList);
 }
 
-PresentationAttributes readGroupAttributes(const SVGTag& tag,
-                                           const PresentationAttributes* inherited,
-                                           SVGDefinition& definition) {
-  PresentationAttributes attributes(inherited);
-  const ConsumedAttributes consumed = attributes.apply(tag);
+std::shared_ptr<const PresentationAttributes> readGroupAttributes(const SVGTag& tag,
+                                                                  InheritedAttributes& inherited,
+                                                                  SVGDefinition& definition,
+                                                                  AttributeSetInterner& interner) {
   Slots unused;
-  sortAttributes(kGroupRule, tag, consumed, unused, definition);
-  return attributes;
+  if (!PresentationAttributes::namesAny(tag)) {
+    sortAttributes(kGroupRule, tag, {}, unused, definition);
+    return inherited.shared(interner);
+  }
+  StyledAttributes styled = interner.apply(inherited.shared(interner).get(), tag);
+  sortAttributes(kGroupRule, tag, styled.consumed, unused, definition);
+  return std::move(styled.attributes);
 }
 
 std::string readClipPathId(const SVGTag& tag, SVGDefinition& definition) {

@@ -67,11 +67,13 @@ std::shared_ptr<SVGComponent> buildComponent(
     ElementKind kind, const SVGTag& tag, InheritedAttributes& inherited, SVGDefinition& definition,
     AttributeSetInterner& interner, std::optional<std::string>* deferredPointList = nullptr);
 
-// A `g` element: the attribute set its children inherit (a copy of `inherited` with the tag's
-// presentation attributes applied). The group's own id is ignored.
-PresentationAttributes readGroupAttributes(const SVGTag& tag,
-                                           const PresentationAttributes* inherited,
-                                           SVGDefinition& definition);
+// A `g` element: the attribute set its children inherit (`inherited` with the tag's presentation
+// attributes applied), shared through `interner`: deep or repeated groups then cost one set
+// between them. The group's own id is ignored.
+std::shared_ptr<const PresentationAttributes> readGroupAttributes(const SVGTag& tag,
+                                                                  InheritedAttributes& inherited,
+                                                                  SVGDefinition& definition,
+                                                                  AttributeSetInterner& interner);
 
 // A `clipPath` element: its id ("" when it has none). Every other attribute is reported, the
 // presentation attributes included, since a clip path carries no styling of its own.
