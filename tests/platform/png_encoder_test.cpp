@@ -1,13 +1,17 @@
 #include <gtest/gtest.h>
 #include <png.h>
 #include <unistd.h>
+#include <zlib.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <optional>
+#include <random>
+#include <string>
 #include <vector>
 
 #include "tessaline/image.h"
@@ -98,6 +102,115 @@ TEST(PngEncoder, RoundTripsFewAndManyColoursExactly) {
     EXPECT_EQ(*decoded, *image);
   }
   EXPECT_LT(icon.encodePng()->size(), 16u * 1024);
+}
+
+// The chunk types of a PNG in order, each checked against zlib's CRC-32, or a message for the first
+// fault. libpng only warns about a bad CRC on an ancillary chunk such as tRNS and drops the chunk.
+std::vector<std::string> chunkTypes(const std::vector<std::uint8_t>& png) {
+  std::vector<std::string> types;
+  std::size_t at = 8;
+  while (at + 12 <= png.size()) {
+    const std::uint32_t length = std::uint32_t{png[at]} << 24 | std::uint32_t{png[at + 1]} << 16 |
+                                 std::uint32_t{png[at + 2]} << 8 | png[at + 3];
+    if (at + 12 + length > png.size()) return {"chunk overruns the file"};
+    const std::uint8_t* crcBytes = png.data() + at + 8 + length;
+    const std::uint32_t stored = std::uint32_t{crcBytes[0]} << 24 |
+                                 std::uint32_t{crcBytes[1]} << 16 |
+                                 std::uint32_t{crcBytes[2]} << 8 | crcBytes[3];
+    types.emplace_back(reinterpret_cast<const char*>(png.data() + at + 4), 4);
+    if (stored != crc32(0, png.data() + at + 4, 4 + length)) types.back() += " bad CRC";
+    at += 12 + length;
+  }
+  if (at != png.size()) types.emplace_back("trailing bytes");
+  return types;
+}
+
+int colourType(const std::vector<std::uint8_t>& png) {
+  return png.size() > 25 ? png[25] : -1;
+}
+
+void expectRoundTrip(const Image& image) {
+  const auto png = image.encodePng();
+  ASSERT_TRUE(png.has_value());
+  const auto decoded = decode(*png);
+  ASSERT_TRUE(decoded.has_value());
+  EXPECT_EQ(*decoded, image);
+}
+
+// Runs of a few colours, changes falling at every offset within the blocks the index building
+// compares at once, across row ends, and in row tails narrower than a block.
+TEST(PngEncoder, IndexedRowsDecodeExactlyForEveryRunLayout) {
+  const Rgba colours[] = {{0, 0, 0, 0},     {255, 255, 255, 255}, {12, 34, 56, 78},
+                          {12, 34, 56, 79}, {200, 0, 100, 1},     {0, 0, 0, 255}};
+  std::mt19937 random(7);
+  for (const int width : {1, 7, 8, 9, 31, 32, 33, 40, 63, 64, 65, 257}) {
+    SCOPED_TRACE(width);
+    Image image(width, 9);
+    std::size_t colour = 0;
+    int runLeft = 0;
+    for (int y = 0; y < image.height(); ++y) {
+      for (int x = 0; x < image.width(); ++x) {
+        if (runLeft-- == 0) {
+          colour = (colour + 1 + random() % 5) % 6;
+          // Mostly short runs, now and then one long enough to cover whole blocks.
+          runLeft = static_cast<int>(random() % 4 == 0 ? random() % 80 : random() % 4);
+        }
+        image.setPixel(x, y, colours[colour]);
+      }
+    }
+    const auto png = image.encodePng();
+    ASSERT_TRUE(png.has_value());
+    EXPECT_EQ(colourType(*png), 3);
+    EXPECT_EQ(chunkTypes(*png), (std::vector<std::string>{"IHDR", "PLTE", "tRNS", "IDAT", "IEND"}));
+    const auto decoded = decode(*png);
+    ASSERT_TRUE(decoded.has_value());
+    EXPECT_EQ(*decoded, image);
+  }
+}
+
+// 256 distinct values still fit the palette; a 257th, even as the very last pixel, sends the whole
+// image to RGBA after the index rows were nearly done.
+TEST(PngEncoder, PaletteHoldsExactly256Colours) {
+  Image full(16, 16);
+  Image over(17, 16);
+  for (int i = 0; i < 17 * 16; ++i) {
+    const Rgba value{static_cast<std::uint8_t>(i % 256), static_cast<std::uint8_t>(i * 7),
+                     static_cast<std::uint8_t>(255 - i % 256), static_cast<std::uint8_t>(i % 256)};
+    if (i < 256) full.setPixel(i % 16, i / 16, value);
+    over.setPixel(i % 17, i / 17, i == 17 * 16 - 1 ? Rgba{1, 2, 3, 4} : value);
+  }
+  const auto fullPng = full.encodePng();
+  const auto overPng = over.encodePng();
+  ASSERT_TRUE(fullPng.has_value() && overPng.has_value());
+  EXPECT_EQ(colourType(*fullPng), 3);
+  EXPECT_EQ(colourType(*overPng), 6);
+  EXPECT_EQ(chunkTypes(*overPng), (std::vector<std::string>{"IHDR", "IDAT", "IEND"}));
+  expectRoundTrip(full);
+  expectRoundTrip(over);
+}
+
+// Noise does not fit the room set aside for an icon's compressed rows; the encoder must make room
+// for the worst case and still write a file no larger than the rows stored as they are.
+TEST(PngEncoder, IncompressibleImagesAreStillWritten) {
+  std::mt19937 random(11);
+  Image rgbaNoise(200, 150);
+  for (std::uint8_t& byte : rgbaNoise.bytes()) byte = static_cast<std::uint8_t>(random());
+  Image indexedNoise(300, 300);  // every one of 256 grey levels, in random order
+  for (int y = 0; y < 300; ++y) {
+    for (int x = 0; x < 300; ++x) {
+      const auto level = static_cast<std::uint8_t>(random());
+      indexedNoise.setPixel(x, y, {level, level, level, 255});
+    }
+  }
+  for (const auto& [image, rowBytes] :
+       {std::pair{&rgbaNoise, 150 * (4 * 200 + 1)}, std::pair{&indexedNoise, 300 * (300 + 1)}}) {
+    SCOPED_TRACE(image->width());
+    const auto png = image->encodePng();
+    ASSERT_TRUE(png.has_value());
+    EXPECT_LT(png->size(), static_cast<std::size_t>(rowBytes) + 2048);
+    EXPECT_EQ(chunkTypes(*png).back(), "IEND");
+    expectRoundTrip(*image);
+  }
 }
 
 TEST(PngEncoder, FailuresAreReportedNotThrown) {
