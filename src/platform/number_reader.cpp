@@ -2,13 +2,17 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <limits>
+#include <optional>
 #include <string>
 
 namespace tessaline {
 namespace {
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
 
 bool isLeadingSpace(char c) {
   return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v';
@@ -41,10 +45,34 @@ long decimalMagnitude(std::string_view number) {
     ++i;
     bool negative = false;
     if (i < number.size() && (number[i] == '+' || number[i] == '-')) negative = number[i++] == '-';
-    for (; i < number.size() && exponent < 100000; ++i) exponent = exponent * 10 + (number[i] - '0');
+    for (; i < number.size() && exponent < 100000; ++i)
+      exponent = exponent * 10 + (number[i] - '0');
     if (negative) exponent = -exponent;
   }
   return magnitude + exponent;
+}
+
+// The value of a plain decimal ("12", "0.375", no sign or exponent) whose digits, read as one
+// integer m, stay within 2^24 and which has at most ten digits after the point: m and 10^k are
+// then both exact floats, so one correctly rounded division gives exactly what from_chars gives.
+// Path data is almost all such numbers; anything else is left to from_chars.
+std::optional<float> shortDecimal(std::string_view digits) {
+  static constexpr float kPowersOfTen[] = {1e0f, 1e1f, 1e2f, 1e3f, 1e4f, 1e5f,
+                                           1e6f, 1e7f, 1e8f, 1e9f, 1e10f};
+  std::uint32_t integer = 0;
+  int fractionDigits = -1;  // -1 until the point
+  int count = 0;
+  for (const char c : digits) {
+    if (c == '.') {
+      fractionDigits = 0;
+      continue;
+    }
+    if (!isDigit(c) || ++count > 9) return std::nullopt;
+    integer = integer * 10 + static_cast<std::uint32_t>(c - '0');
+    if (fractionDigits >= 0) ++fractionDigits;
+  }
+  if (integer > (1u << 24) || fractionDigits > 10) return std::nullopt;
+  return static_cast<float>(integer) / kPowersOfTen[fractionDigits > 0 ? fractionDigits : 0];
 }
 
 }  // namespace
@@ -87,6 +115,9 @@ float readLenientFloat(std::string_view text) {
   std::string_view unsignedPart = number;
   if (number.front() == '+' || number.front() == '-') unsignedPart.remove_prefix(1);
 
+  if (const std::optional<float> quick = shortDecimal(unsignedPart)) {
+    return negative ? -*quick : *quick;
+  }
   float value = 0;
   auto [end, error] =
       std::from_chars(unsignedPart.data(), unsignedPart.data() + unsignedPart.size(), value);

@@ -2,8 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <charconv>
 #include <cmath>
+#include <cstring>
 #include <limits>
+#include <random>
+#include <string>
 
 namespace tessaline {
 namespace {
@@ -14,10 +18,9 @@ TEST(NumberReader, ReadsTheLongestLeadingDecimalNumber) {
     float expected;
   };
   const Case cases[] = {
-      {"10", 10},     {"10px", 10},   {"50%", 50},       {"  \t\n7", 7},   {"-3.5", -3.5f},
-      {"+2", 2},      {".5", 0.5f},   {"-.5", -0.5f},    {"5.", 5},        {"1e3", 1000},
-      {"1E-2", 0.01f}, {"2e", 2},     {"2e+", 2},        {"1.5.5", 1.5f},  {"10,20", 10},
-      {"0x1A", 0},    {"3 4", 3},     {"1e+2x", 100},
+      {"10", 10},   {"10px", 10},    {"50%", 50},   {"  \t\n7", 7}, {"-3.5", -3.5f}, {"+2", 2},
+      {".5", 0.5f}, {"-.5", -0.5f},  {"5.", 5},     {"1e3", 1000},  {"1E-2", 0.01f}, {"2e", 2},
+      {"2e+", 2},   {"1.5.5", 1.5f}, {"10,20", 10}, {"0x1A", 0},    {"3 4", 3},      {"1e+2x", 100},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
@@ -26,8 +29,8 @@ TEST(NumberReader, ReadsTheLongestLeadingDecimalNumber) {
 }
 
 TEST(NumberReader, GivesZeroWhenNoNumberStartsTheText) {
-  for (const char* text : {"", " ", "auto", "-", ".", "-.", "+", "e5", "inf", "nan", "Infinity",
-                           "x10", "--1"}) {
+  for (const char* text :
+       {"", " ", "auto", "-", ".", "-.", "+", "e5", "inf", "nan", "Infinity", "x10", "--1"}) {
     SCOPED_TRACE(text);
     EXPECT_EQ(readLenientFloat(text), 0.0f);
   }
@@ -44,6 +47,32 @@ TEST(NumberReader, RoundsToTheNearestFloat) {
   EXPECT_EQ(readLenientFloat("0.1"), 0.1f);
   EXPECT_EQ(readLenientFloat("3.14159265358979"), 3.14159265358979f);
   EXPECT_EQ(readLenientFloat("16777217"), 16777216.0f);
+}
+
+// Short decimals take a quicker road than the general conversion; both must give the same bits,
+// including around the largest integer a float holds and with ten digits after the point.
+TEST(NumberReader, ShortDecimalsRoundExactlyAsTheGeneralConversion) {
+  std::mt19937 engine(11);
+  const auto expectSameAsFromChars = [](const std::string& text) {
+    float expected = 0;
+    std::from_chars(text.data(), text.data() + text.size(), expected);
+    const float read = readLenientFloat(text);
+    ASSERT_EQ(std::memcmp(&read, &expected, sizeof read), 0) << text;
+    const float negated = readLenientFloat("-" + text);
+    ASSERT_EQ(negated, -expected) << text;
+    ASSERT_EQ(std::signbit(negated), !std::signbit(expected)) << text;
+  };
+  for (int i = 0; i < 200000; ++i) {
+    std::string text;
+    for (int k = static_cast<int>(engine() % 9); k > 0; --k) text += char('0' + engine() % 10);
+    text += '.';
+    for (int k = static_cast<int>(engine() % 12); k > 0; --k) text += char('0' + engine() % 10);
+    if (text != ".") expectSameAsFromChars(text);
+  }
+  for (const char* text : {"16777216", "16777217", "1.6777217", "0.0000000001", "0.00000000001",
+                           "999999999", "1677721.6", "0", "0.0"}) {
+    expectSameAsFromChars(text);
+  }
 }
 
 }  // namespace
