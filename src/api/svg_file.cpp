@@ -1,6 +1,5 @@
 #include "tessaline/svg_file.h"
 
-#include <climits>
 #include <cstdint>
 #include <map>
 #include <memory>

@@ -6,7 +6,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "parse/attribute_set_interner.h"
 #include "parse/svg_event.h"
@@ -52,6 +51,7 @@ class DefinitionBuilder {
   // than call stack.
   struct Frame {
     enum class Kind : unsigned char { Outermost, ClipPath, Defs };
+    using GroupTable = std::map<long long, std::shared_ptr<const PresentationAttributes>>;
 
     Frame(SVGDefinition* definition, std::shared_ptr<SVGDefinition> owned, Kind kind,
           std::string clipPathId, InheritedAttributes inherited)
@@ -69,7 +69,7 @@ class DefinitionBuilder {
     InheritedAttributes inherited;
     long long groupLevel = -1;
     // Made by the first group: a frame per level of hostile nesting stays small without one.
-    std::unique_ptr<std::map<long long, std::shared_ptr<const PresentationAttributes>>> groupTable;
+    std::unique_ptr<GroupTable> groupTable;
   };
 
   void openGroup(Frame& frame, const SVGTag& tag);

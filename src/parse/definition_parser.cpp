@@ -46,8 +46,7 @@ void DefinitionBuilder::openGroup(Frame& frame, const SVGTag& tag) {
   std::shared_ptr<const PresentationAttributes> attributes =
       readGroupAttributes(tag, frame.inherited, *frame.definition, interner_);
   ++frame.groupLevel;
-  if (!frame.groupTable)
-    frame.groupTable = std::make_unique<decltype(frame.groupTable)::element_type>();
+  if (!frame.groupTable) frame.groupTable = std::make_unique<Frame::GroupTable>();
   auto [entry, inserted] =
       frame.groupTable->insert_or_assign(frame.groupLevel, std::move(attributes));
   frame.inherited.set(entry->second);

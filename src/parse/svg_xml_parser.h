@@ -21,6 +21,7 @@ class SVGXMLParserProtocol {
 
 // Reads the whole document once, when constructed, recording StartOfDocument, every element start
 // and end, and EndOfDocument. A document that is not well-formed yields no events at all.
+// SVGFile itself records nothing: it hands the XML reader's tags straight to a DefinitionBuilder.
 //
 // The recording is compact: names and values go into large text chunks and each event or
 // attribute is a small fixed-size record, rather than strings and vectors per element. What has
