@@ -67,8 +67,8 @@ class CoverageRasterizer {
 
   static std::uint8_t nonZeroCoverage(std::uint32_t area) {
     const std::uint32_t magnitude = (area & 0x80000000u) ? 0u - area : area;
-    if (magnitude >= kFullArea) return 255;
-    return static_cast<std::uint8_t>((magnitude * 255 + kFullArea / 2) >> 17);
+    // Clamping to a full pixel, which gives exactly 255, keeps this free of branches.
+    return static_cast<std::uint8_t>((std::min(magnitude, kFullArea) * 255 + kFullArea / 2) >> 17);
   }
 
   static std::uint8_t evenOddCoverage(std::uint32_t area) {
