@@ -14,8 +14,8 @@ namespace tessaline {
 // mask are 8-bit and combine as the reference backend combines a shape's mask with a clip.
 // Whether there is a mask is a template argument so each loop below stays branch-light.
 //
-// Wherever a pixel may come out translucent, the painter sets its bit in `marks`
-// (TranslucentMarks), so the finished canvas is converted to straight alpha only there.
+// Wherever a pixel may come out translucent, the painter sets the bit of its group of eight in
+// `marks` (TranslucentMarks), so the finished canvas is converted to straight alpha only there.
 template <bool Masked>
 class SolidPainter {
  public:
