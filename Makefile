@@ -62,7 +62,10 @@ fuzz: bootstrap
 # librsvg; the whole-sprite figures need scripts/fetch-bench-data first. `make bench-check`
 # measures the ratios recorded in bench/baseline.json and fails on a regression of more than 25%
 # (BENCH_CHECK_FLAGS=--update records new ones). Figures depend on the machine: not part of CI.
+# Each Google Benchmark runs BENCH_REPETITIONS times and its median is the figure to read: on a
+# shared machine single runs move by a quarter or more.
 BENCH_BUILD ?= build-bench
+BENCH_REPETITIONS ?= 5
 BENCH_SPRITES = bench/data/bootstrap-icons.svg bench/data/tabler-sprite.svg bench/data/fontawesome-solid.svg
 BENCH_CHECK_FLAGS ?=
 .PHONY: bench bench-build bench-check
@@ -72,7 +75,8 @@ bench-build: bootstrap
 	@cmake --build $(BENCH_BUILD) --target tessaline_benchmarks -j $(JOBS)
 
 bench: bench-build
-	@$(BENCH_BUILD)/bench/tessaline_bench --benchmark_counters_tabular=true
+	@$(BENCH_BUILD)/bench/tessaline_bench --benchmark_counters_tabular=true \
+	  --benchmark_repetitions=$(BENCH_REPETITIONS) --benchmark_display_aggregates_only=true
 	@if [ ! -x $(BENCH_BUILD)/bench/compare/tessaline_rsvg_compare ]; then \
 	  echo "bench: librsvg2-dev not installed, no side-by-side comparison"; \
 	elif [ ! -s bench/data/bootstrap-icons.svg ]; then \
