@@ -151,7 +151,7 @@ class SpriteReader final : public XmlReaderCallbacks {
       // Units such as "px" fall away in the lenient conversion.
       definition->viewBox = Rect{0, 0, readLenientFloat(*width), readLenientFloat(*height)};
     }
-    builder_.begin(*definition, std::move(styled.attributes));
+    builder_.begin(*definition, InheritedAttributes(std::move(styled.attributes)));
     current_ = std::move(definition);
   }
 

@@ -88,13 +88,27 @@ DrawPathResult LineComponent::getDrawPath() const {
   return {std::move(path), std::nullopt, std::nullopt};
 }
 
+namespace {
+
+// Spaces take precedence: "0,0 10,0" gives the components "0,0" and "10,0", each contributing
+// only its leading number. Commas separate only a text without any space. Empty components count.
+std::vector<std::string_view> pointComponents(std::string_view pointsText) {
+  std::vector<std::string_view> components = splitKeepingEmpty(pointsText, ' ');
+  if (components.size() == 1) components = splitKeepingEmpty(pointsText, ',');
+  return components;
+}
+
+}  // namespace
+
+bool PolygonComponent::pointListStops(std::string_view pointsText) {
+  // Read in pairs, an odd count leaves an x without its y.
+  return pointComponents(pointsText).size() % 2 == 1;
+}
+
 PolygonComponent::PolygonComponent(std::optional<std::string> id, std::string_view pointsText,
                                    ComponentAttributes attributes)
     : PresentationAttributeSVGComponent(std::move(id).value_or(""), std::move(attributes)) {
-  // Spaces take precedence: "0,0 10,0" gives the components "0,0" and "10,0", each contributing
-  // only its leading number. Commas separate only a text without any space.
-  std::vector<std::string_view> components = splitKeepingEmpty(pointsText, ' ');
-  if (components.size() == 1) components = splitKeepingEmpty(pointsText, ',');
+  const std::vector<std::string_view> components = pointComponents(pointsText);
   for (std::size_t i = 0; i < components.size(); i += 2) {
     // An odd number of components has no y for the last x. Existing documents rely on the stop
     // rather than a message, so reading past the list stays fatal.

@@ -102,6 +102,9 @@ class PolygonComponent final : public PresentationAttributeSVGComponent {
                    ComponentAttributes attributes);
   DrawPathResult getDrawPath() const override;
 
+  // Whether constructing a polygon from this point list stops the process.
+  static bool pointListStops(std::string_view pointsText);
+
   std::vector<Point> points;
 };
 

@@ -28,11 +28,8 @@ class DefinitionBuilder {
   explicit DefinitionBuilder(AttributeSetInterner& interner, bool deferFatalStops = false);
 
   // Starts on `definition`, whose own start tag has been read. Its elements start from
-  // `symbolAttributes` (null: none), which must outlive the building.
-  void begin(SVGDefinition& definition, const PresentationAttributes* symbolAttributes);
-  // The same with the symbol's attributes as a set the interner handed out.
-  void begin(SVGDefinition& definition,
-             std::shared_ptr<const PresentationAttributes> symbolAttributes);
+  // `symbolAttributes`, whose set must outlive the building.
+  void begin(SVGDefinition& definition, InheritedAttributes symbolAttributes);
 
   void start(const SVGTag& tag);
   // An end tag. True when it completed the definition begin() was given.

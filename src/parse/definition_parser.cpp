@@ -28,18 +28,10 @@ Closing closingForFoldedName(std::string_view name) {
 DefinitionBuilder::DefinitionBuilder(AttributeSetInterner& interner, bool deferFatalStops)
     : interner_(interner), deferFatalStops_(deferFatalStops) {}
 
-void DefinitionBuilder::begin(SVGDefinition& definition,
-                              const PresentationAttributes* symbolAttributes) {
+void DefinitionBuilder::begin(SVGDefinition& definition, InheritedAttributes symbolAttributes) {
   frames_.clear();
   frames_.emplace_back(&definition, nullptr, Frame::Kind::Outermost, "",
-                       InheritedAttributes(symbolAttributes));
-}
-
-void DefinitionBuilder::begin(SVGDefinition& definition,
-                              std::shared_ptr<const PresentationAttributes> symbolAttributes) {
-  frames_.clear();
-  frames_.emplace_back(&definition, nullptr, Frame::Kind::Outermost, "",
-                       InheritedAttributes(std::move(symbolAttributes)));
+                       std::move(symbolAttributes));
 }
 
 void DefinitionBuilder::openGroup(Frame& frame, const SVGTag& tag) {
@@ -145,7 +137,7 @@ void SVGDefinition::parseData(SVGXMLParserProtocol& parser,
                               AttributeSetInterner* sharedInterner) {
   AttributeSetInterner localInterner;
   DefinitionBuilder builder(sharedInterner ? *sharedInterner : localInterner);
-  builder.begin(*this, symbolAttributes);
+  builder.begin(*this, InheritedAttributes(symbolAttributes));
   std::vector<SVGAttributeView> views;
   while (true) {
     const SVGEvent* event = parser.nextEvent();

@@ -233,7 +233,7 @@ std::shared_ptr<SVGComponent> makeComponent(ElementKind kind, const Slots& s,
                                              cornerY);
     }
     case ElementKind::Polygon:
-      if (deferredPointList != nullptr && pointListStops(s[1])) {
+      if (deferredPointList != nullptr && PolygonComponent::pointListStops(s[1])) {
         *deferredPointList = std::string(s[1]);
         return nullptr;
       }
@@ -250,9 +250,13 @@ std::shared_ptr<SVGComponent> makeComponent(ElementKind kind, const Slots& s,
   }
 }
 
-}  // namespace
-
-namespace {
+// The set a tag's element holds: the inherited set itself when the tag names no presentation
+// attribute (most elements), otherwise the inherited set with the tag's styling applied.
+StyledAttributes styleTag(const SVGTag& tag, InheritedAttributes& inherited,
+                          AttributeSetInterner& interner) {
+  if (!PresentationAttributes::namesAny(tag)) return {inherited.shared(interner), {}};
+  return interner.apply(inherited.shared(interner).get(), tag);
+}
 
 std::optional<ElementKind> kindForFoldedName(std::string_view n) {
   switch (n.size()) {
@@ -294,27 +298,13 @@ AttributeName attributeNameFor(std::string_view name) {
   return lookUpFolded(name, classify, AttributeName::Other);
 }
 
-bool pointListStops(std::string_view pointsText) {
-  // As the polygon reads it: blank-separated components, or comma-separated ones when there is
-  // no blank at all; empty components count.
-  std::size_t components = static_cast<std::size_t>(std::ranges::count(pointsText, ' ')) + 1;
-  if (components == 1)
-    components = static_cast<std::size_t>(std::ranges::count(pointsText, ',')) + 1;
-  return components % 2 == 1;
-}
-
 std::shared_ptr<SVGComponent> buildComponent(ElementKind kind, const SVGTag& tag,
                                              InheritedAttributes& inherited,
                                              SVGDefinition& definition,
                                              AttributeSetInterner& interner,
                                              std::optional<std::string>* deferredPointList) {
+  StyledAttributes styled = styleTag(tag, inherited, interner);
   Slots slots;
-  if (!PresentationAttributes::namesAny(tag)) {
-    // Nothing of its own: the element holds the inherited set as it is.
-    if (!sortAttributes(ruleFor(kind), tag, {}, slots, definition)) return nullptr;
-    return makeComponent(kind, slots, inherited.shared(interner), deferredPointList);
-  }
-  StyledAttributes styled = interner.apply(inherited.shared(interner).get(), tag);
   if (!sortAttributes(ruleFor(kind), tag, styled.consumed, slots, definition)) return nullptr;
   return makeComponent(kind, slots, std::move(styled.attributes), deferredPointList);
 }
@@ -323,12 +313,8 @@ std::shared_ptr<const PresentationAttributes> readGroupAttributes(const SVGTag& 
                                                                   InheritedAttributes& inherited,
                                                                   SVGDefinition& definition,
                                                                   AttributeSetInterner& interner) {
+  StyledAttributes styled = styleTag(tag, inherited, interner);
   Slots unused;
-  if (!PresentationAttributes::namesAny(tag)) {
-    sortAttributes(kGroupRule, tag, {}, unused, definition);
-    return inherited.shared(interner);
-  }
-  StyledAttributes styled = interner.apply(inherited.shared(interner).get(), tag);
   sortAttributes(kGroupRule, tag, styled.consumed, unused, definition);
   return std::move(styled.attributes);
 }
@@ -336,7 +322,7 @@ std::shared_ptr<const PresentationAttributes> readGroupAttributes(const SVGTag& 
 std::string readClipPathId(const SVGTag& tag, SVGDefinition& definition) {
   std::string id;
   for (const SVGAttributeView& attribute : tag.attributes) {
-    if (FoldedName(attribute.name) == "id") {
+    if (attributeNameFor(attribute.name) == AttributeName::Id) {
       id.assign(attribute.value);
     } else {
       definition.errorMessages.push_back(

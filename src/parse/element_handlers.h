@@ -80,8 +80,4 @@ std::shared_ptr<const PresentationAttributes> readGroupAttributes(const SVGTag& 
 std::string readClipPathId(const SVGTag& tag, SVGDefinition& definition);
 std::string readClipPathId(const SVGEvent& event, SVGDefinition& definition);
 
-// Whether building a polygon from this point list stops the process: read in pairs, an odd count
-// of components leaves an x without its y.
-bool pointListStops(std::string_view pointsText);
-
 }  // namespace tessaline

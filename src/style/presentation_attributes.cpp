@@ -148,7 +148,7 @@ ConsumedAttributes PresentationAttributes::apply(const SVGTag& tag) {
 
 bool PresentationAttributes::namesAny(const SVGTag& tag) {
   return std::ranges::any_of(tag.attributes, [](const SVGAttributeView& attribute) {
-    return lookUpRaw(attribute.name) >= 0;
+    return isPresentationName(attribute.name);
   });
 }
 
