@@ -28,8 +28,8 @@ bool tame(double& v) {
 CoverageRasterizer::CoverageRasterizer(int width, int height)
     : width_(std::max(width, 0)),
       height_(std::max(height, 0)),
-      stride_(width_ + 2),
-      words_((stride_ + 63) / 64),
+      stride_((width_ + 2 + kGroup - 1) / kGroup * kGroup),
+      words_((stride_ / kGroup + 63) / 64),
       cells_(static_cast<std::size_t>(stride_) * kBandRows, 0),
       touched_(static_cast<std::size_t>(words_) * kBandRows, 0),
       coverage_(static_cast<std::size_t>(stride_), 0) {}

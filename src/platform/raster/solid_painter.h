@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "platform/raster/blend_four.h"
 #include "platform/raster/pixel_ops.h"
 #include "platform/raster/translucent_marks.h"
 
@@ -72,12 +73,22 @@ class SolidPainter {
   void varying(int y, int x, int length, const std::uint8_t* coverage) {
     marks_->mark(y, x, length);
     PremultipliedPixel* out = row(y) + x;
-    if constexpr (Masked) {
-      const std::uint8_t* mask = maskRow(y) + x;
-      for (int i = 0; i < length; ++i) blend(out[i], multiply255(coverage[i], mask[i]));
-    } else {
-      for (int i = 0; i < length; ++i) blend(out[i], coverage[i]);
+    const std::uint8_t* mask = Masked ? maskRow(y) + x : nullptr;
+    int i = 0;
+#if defined(__SSE2__)
+    // Four pixels at a time without branches; the same arithmetic as blend() below.
+    const __m128i color = detail::colorLanes(color_);
+    for (; i + 4 <= length; i += 4) {
+      if constexpr (Masked) {
+        std::uint8_t masked[4];
+        detail::maskCoverages(coverage + i, mask + i, masked);
+        detail::blendFour(out + i, color, masked);
+      } else {
+        detail::blendFour(out + i, color, coverage + i);
+      }
     }
+#endif
+    for (; i < length; ++i) blend(out[i], Masked ? multiply255(coverage[i], mask[i]) : coverage[i]);
   }
 
  private:
