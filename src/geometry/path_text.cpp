@@ -31,8 +31,8 @@ PathText::PathText(std::string_view text) : text_(text) {
   boundaries_.push_back(text.size());
 }
 
-void PathText::checkIndex(std::int64_t index) const {
-  if (index < 0 || index >= count_) fatalError(kOutOfRange);
+void PathText::stopOutOfRange() {
+  fatalError(kOutOfRange);
 }
 
 std::size_t PathText::offset(std::int64_t index) const {
@@ -40,12 +40,10 @@ std::size_t PathText::offset(std::int64_t index) const {
                              : boundaries_[static_cast<std::size_t>(index)];
 }
 
-int PathText::codeAt(std::int64_t index) const {
-  checkIndex(index);
+int PathText::codeAtBoundary(std::int64_t index) const {
   const std::size_t at = offset(index);
   const auto byte = static_cast<unsigned char>(text_[at]);
-  if (byte >= 0x80) return kNotAscii;
-  if (!boundaries_.empty() && offset(index + 1) != at + 1) return kNotAscii;
+  if (byte >= 0x80 || offset(index + 1) != at + 1) return kNotAscii;
   return byte;
 }
 

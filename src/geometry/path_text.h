@@ -34,8 +34,13 @@ class PathText {
   std::int64_t count() const { return count_; }
 
   // The character at `index` as its ASCII code, or kNotAscii. An index outside [0, count) is a
-  // fatal stop.
-  int codeAt(std::int64_t index) const;
+  // fatal stop. Inline: the path parser asks for every character at least once.
+  int codeAt(std::int64_t index) const {
+    checkIndex(index);
+    if (!boundaries_.empty()) return codeAtBoundary(index);
+    const auto byte = static_cast<unsigned char>(text_[static_cast<std::size_t>(index)]);
+    return byte >= 0x80 ? kNotAscii : byte;
+  }
 
   // The bytes of the character at `index`. An index outside [0, count) is a fatal stop.
   std::string_view characterAt(std::int64_t index) const;
@@ -45,7 +50,11 @@ class PathText {
 
  private:
   std::size_t offset(std::int64_t index) const;
-  void checkIndex(std::int64_t index) const;
+  void checkIndex(std::int64_t index) const {
+    if (index < 0 || index >= count_) stopOutOfRange();
+  }
+  [[noreturn]] static void stopOutOfRange();
+  int codeAtBoundary(std::int64_t index) const;
 
   std::string_view text_;
   std::int64_t count_ = 0;
