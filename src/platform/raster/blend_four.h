@@ -54,6 +54,14 @@ inline void blendFour(std::uint32_t* pixels, __m128i color, const std::uint8_t* 
   spreadCoverages(coverage, firstTwo, lastTwo);
   const __m128i destination = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pixels));
   const __m128i zero = _mm_setzero_si128();
+  if (_mm_movemask_epi8(_mm_cmpeq_epi32(destination, zero)) == 0xffff) {
+    // Over transparent pixels (the edges of the first shape to reach them) the scaled colour is
+    // the result, as source-over would compute it.
+    const __m128i low = multiply255Lanes(color, firstTwo);
+    const __m128i high = multiply255Lanes(color, lastTwo);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(pixels), _mm_packus_epi16(low, high));
+    return;
+  }
   const __m128i low = blendTwo(_mm_unpacklo_epi8(destination, zero), color, firstTwo);
   const __m128i high = blendTwo(_mm_unpackhi_epi8(destination, zero), color, lastTwo);
   _mm_storeu_si128(reinterpret_cast<__m128i*>(pixels), _mm_packus_epi16(low, high));
