@@ -82,7 +82,8 @@ __attribute__((target("avx2"))) inline __m256i divideChannel(__m256i half, __m25
 }
 
 // Converts `count` image-order pixels in place, whole groups of eight at a time; returns how many
-// it did. Groups whose alphas are all 0 or 255 are final and left alone; a group holding others
+// it did. Groups whose pixels all have alpha 0 or 255, or no colour, are final and left alone; a
+// group holding others
 // is divided by its alphas in single precision, which gives exactly unpremultiply's result: for
 // n = channel · 255 + alpha / 2 < 2^16 and 0 < alpha < 255, the rounding error of n / alpha is
 // below 2^-24 of it, under 0.004 / alpha, so it never reaches the next integer, at least
@@ -91,14 +92,18 @@ __attribute__((target("avx2"))) inline __m256i divideChannel(__m256i half, __m25
 __attribute__((target("avx2"))) int convertEightsAvx2(std::uint8_t* start, int count) {
   const __m256i alphaOne = _mm256_set1_epi32(0x01000000);
   const __m256i lowByte = _mm256_set1_epi32(0xff);
+  const __m256i colorBits = _mm256_set1_epi32(0x00ffffff);
   const __m256i one = _mm256_set1_epi32(1);
   int done = 0;
   for (; done + 8 <= count; done += 8) {
     auto* at = reinterpret_cast<__m256i*>(start + 4 * done);
     const __m256i v = _mm256_loadu_si256(at);
-    // Alpha + 1 (mod 256) is 0 or 1 exactly for alpha 255 and 0.
-    const __m256i settled = _mm256_cmpeq_epi32(_mm256_srli_epi32(_mm256_add_epi32(v, alphaOne), 25),
-                                               _mm256_setzero_si256());
+    // Alpha + 1 (mod 256) is 0 or 1 exactly for alpha 255 and 0. A pixel without colour (black,
+    // the usual colour of icons) is final at any alpha too: 0 divided by alpha stays 0.
+    const __m256i zero = _mm256_setzero_si256();
+    const __m256i settled = _mm256_or_si256(
+        _mm256_cmpeq_epi32(_mm256_srli_epi32(_mm256_add_epi32(v, alphaOne), 25), zero),
+        _mm256_cmpeq_epi32(_mm256_and_si256(v, colorBits), zero));
     if (_mm256_movemask_epi8(settled) == -1) continue;
     const __m256i alpha = _mm256_srli_epi32(v, 24);
     const __m256 divisor = _mm256_cvtepi32_ps(_mm256_max_epi32(alpha, one));
