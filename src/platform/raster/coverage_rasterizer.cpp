@@ -16,6 +16,12 @@ int toFixed(double v) {
   return static_cast<int>(v * kOne + 0.5);
 }
 
+// The pixel row or column of a fixed-point coordinate. Stored coordinates are clipped to the
+// canvas and never negative, so this is a plain shift rather than a signed division.
+int pixelOf(int fixed) {
+  return static_cast<int>(static_cast<unsigned>(fixed) / kOne);
+}
+
 // Brings a coordinate within ±kCoordinateLimit, where differences cannot overflow; false for NaN.
 bool tame(double& v) {
   if (std::isnan(v)) return false;
@@ -135,20 +141,20 @@ void CoverageRasterizer::addFixedEdge(int x0, int y0, int x1, int y1) {
   if (y0 == y1) return;
   const Edge edge{x0, y0, x1, y1};
   edges_.push_back(edge);
-  minRow_ = std::min(minRow_, edge.top() / kOne);
-  maxRow_ = std::max(maxRow_, (edge.bottom() - 1) / kOne);
-  minCol_ = std::min(minCol_, std::min(x0, x1) / kOne);
-  maxCol_ = std::max(maxCol_, std::max(x0, x1) / kOne + 1);
+  minRow_ = std::min(minRow_, pixelOf(edge.top()));
+  maxRow_ = std::max(maxRow_, pixelOf(edge.bottom() - 1));
+  minCol_ = std::min(minCol_, pixelOf(std::min(x0, x1)));
+  maxCol_ = std::max(maxCol_, pixelOf(std::max(x0, x1)) + 1);
 }
 
 void CoverageRasterizer::bucketEdges(int bands) {
   bandStart_.assign(static_cast<std::size_t>(bands) + 1, 0);
-  for (const Edge& edge : edges_) ++bandStart_[(edge.top() / kOne - minRow_) / kBandRows + 1];
+  for (const Edge& edge : edges_) ++bandStart_[(pixelOf(edge.top()) - minRow_) / kBandRows + 1];
   for (int band = 0; band < bands; ++band) bandStart_[band + 1] += bandStart_[band];
   order_.resize(edges_.size());
   active_.assign(bandStart_.begin(), bandStart_.end() - 1);  // next free slot of each band
   for (std::uint32_t i = 0; i < edges_.size(); ++i) {
-    order_[active_[(edges_[i].top() / kOne - minRow_) / kBandRows]++] = i;
+    order_[active_[(pixelOf(edges_[i].top()) - minRow_) / kBandRows]++] = i;
   }
 }
 
@@ -168,7 +174,7 @@ void CoverageRasterizer::renderEdge(const Edge& edge, int firstRow, int endRow) 
   const auto xAt = [&](int y) {
     return y == yBottom ? xBottom : static_cast<int>(xTop + (y - yTop) * dxdy + 0.5);
   };
-  int row = top / kOne;
+  int row = pixelOf(top);
   std::uint32_t* cells = cells_.data() + static_cast<std::size_t>(row - firstRow) * stride_;
   std::uint64_t* bits = touched_.data() + static_cast<std::size_t>(row - firstRow) * words_;
   int y = top - row * kOne;  // within the row
@@ -176,8 +182,8 @@ void CoverageRasterizer::renderEdge(const Edge& edge, int firstRow, int endRow) 
   for (;;) {
     const int rowBottom = std::min(bottom - row * kOne, kOne);
     const int xEnd = xAt(row * kOne + rowBottom);
-    const int col = x / kOne;
-    if (col == xEnd / kOne) {
+    const int col = pixelOf(x);
+    if (col == pixelOf(xEnd)) {
       addCell(cells, bits, col, sign * (rowBottom - y), (x - col * kOne) + (xEnd - col * kOne));
     } else {
       addRowPiece(cells, bits, x, y, xEnd, rowBottom, sign, dydx);
@@ -197,9 +203,9 @@ void CoverageRasterizer::renderEdge(const Edge& edge, int firstRow, int endRow) 
 void CoverageRasterizer::addRowPiece(std::uint32_t* cells, std::uint64_t* bits, int xa, int ya,
                                      int xb, int yb, int sign, double dydx) {
   const int step = xb > xa ? 1 : -1;
-  const int colB = xb / kOne;
+  const int colB = pixelOf(xb);
   int x = xa, y = ya;
-  for (int col = xa / kOne;; col += step) {
+  for (int col = pixelOf(xa);; col += step) {
     const int left = col * kOne;
     if (col == colB) {
       addCell(cells, bits, col, sign * (yb - y), (x - left) + (xb - left));

@@ -138,7 +138,8 @@ class CoverageRasterizer {
   }
 
   static void mark(std::uint64_t* bits, int col) {
-    const int group = col / kGroup;
+    // Columns are never negative; unsigned division is a plain shift.
+    const unsigned group = static_cast<unsigned>(col) / kGroup;
     bits[group >> 6] |= std::uint64_t{1} << (group & 63);
   }
 
