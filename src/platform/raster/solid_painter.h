@@ -17,6 +17,9 @@ namespace tessaline {
 //
 // Wherever a pixel may come out translucent, the painter sets the bit of its group of eight in
 // `marks` (TranslucentMarks), so the finished canvas is converted to straight alpha only there.
+// A colourless source (black at any alpha, the usual ink of icons) marks nothing: it leaves a
+// transparent pixel colourless, which is final at any alpha, an opaque one opaque, and a
+// translucent coloured one was marked by the painter that coloured it.
 template <bool Masked>
 class SolidPainter {
  public:
@@ -28,10 +31,11 @@ class SolidPainter {
         marks_(marks),
         stride_(stride),
         color_(color),
-        opaque_(alphaOf(color) == 255) {}
+        opaque_(alphaOf(color) == 255),
+        marking_((color & 0x00ffffffu) != 0) {}
 
   void solid(int y, int x, int length, std::uint8_t coverage) {
-    if (Masked || coverage != 255 || !opaque_) marks_->mark(y, x, length);
+    if (marking_ && (Masked || coverage != 255 || !opaque_)) marks_->mark(y, x, length);
     PremultipliedPixel* out = row(y) + x;
     if constexpr (Masked) {
       const std::uint8_t* mask = maskRow(y) + x;
@@ -71,7 +75,7 @@ class SolidPainter {
   }
 
   void varying(int y, int x, int length, const std::uint8_t* coverage) {
-    marks_->mark(y, x, length);
+    if (marking_) marks_->mark(y, x, length);
     PremultipliedPixel* out = row(y) + x;
     const std::uint8_t* mask = Masked ? maskRow(y) + x : nullptr;
     int i = 0;
@@ -129,6 +133,7 @@ class SolidPainter {
   int stride_;
   PremultipliedPixel color_;
   bool opaque_;
+  bool marking_;
 };
 
 }  // namespace tessaline
