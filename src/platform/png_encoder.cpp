@@ -29,11 +29,9 @@
 #include <string>
 #include <vector>
 
+#include "platform/png_index_rows.h"
 #include "tessaline/image.h"
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 #if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
 #include <immintrin.h>
 #define TESSALINE_CLEAR_UPPER_VECTORS 1
@@ -42,7 +40,10 @@
 namespace tessaline {
 namespace {
 
-constexpr int kPaletteSize = 256;
+using detail::ColourTable;
+using detail::indexRows;
+using detail::kPaletteSize;
+
 constexpr int kDeflateLevel = 0;
 constexpr std::size_t kLevelBufferSize = ISAL_DEF_LVL0_DEFAULT;  // none at level 0
 // A chunk's length field holds at most 2^31 - 1.
@@ -54,210 +55,6 @@ bool encodable(const Image& image) {
   return image.width() > 0 && image.height() > 0 &&
          image.bytes().size() ==
              static_cast<std::size_t>(image.width()) * static_cast<std::size_t>(image.height()) * 4;
-}
-
-// The distinct RGBA values of an image in order of first appearance. An open-addressed table four
-// times the palette's size keeps probing short.
-class ColourTable {
- public:
-  // The palette index of `value`, which is added when new; -1 once it would be colour 257.
-  int indexOf(std::uint32_t value) {
-    for (std::uint32_t slot = (value * 2654435761u) >> 22;; slot = (slot + 1) % kSlots) {
-      if (entries_[slot] == 0) {
-        if (count_ == kPaletteSize) return -1;
-        keys_[slot] = value;
-        colours_[static_cast<std::size_t>(count_)] = value;
-        entries_[slot] = static_cast<std::uint16_t>(++count_);
-        return count_ - 1;
-      }
-      if (keys_[slot] == value) return entries_[slot] - 1;
-    }
-  }
-  int count() const { return count_; }
-  // The R G B A bytes of a palette entry.
-  std::array<std::uint8_t, 4> colour(int index) const {
-    std::array<std::uint8_t, 4> bytes;
-    std::memcpy(bytes.data(), &colours_[static_cast<std::size_t>(index)], bytes.size());
-    return bytes;
-  }
-
- private:
-  static constexpr std::uint32_t kSlots = 4 * kPaletteSize;  // the hash keeps the top 10 bits
-  std::array<std::uint32_t, kSlots> keys_{};
-  std::array<std::uint16_t, kSlots> entries_{};        // palette index + 1; 0 for an empty slot
-  std::array<std::uint32_t, kPaletteSize> colours_{};  // the pixels' bytes as they lie in memory
-  int count_ = 0;
-};
-
-std::uint32_t loadPixel(const std::uint8_t* rgba) {
-  std::uint32_t value;
-  std::memcpy(&value, rgba, sizeof value);
-  return value;
-}
-
-// The Adler-32 checksum that ends the zlib stream, summed while the rows are built rather than
-// in a second pass over them (which took a sixth of the encoding time). Sums are reduced once
-// per row; between reductions they stay far below 2^64 for any row width an Image can have.
-class Adler32 {
- public:
-  static constexpr std::uint64_t kModulus = 65521;
-
-  void add(std::uint8_t byte) {
-    a_ += byte;
-    b_ += a_;
-  }
-  // `count` bytes of one value, in closed form: the kind of stretch an icon's rows are made of.
-  void addRun(std::uint8_t byte, std::uint64_t count) {
-    b_ += count * a_ + byte * (count * (count + 1) / 2);
-    a_ += count * byte;
-  }
-#if defined(__SSE2__)
-  // The 32 bytes of `low` then `high`.
-  void addBlock(__m128i low, __m128i high) {
-    const __m128i zero = _mm_setzero_si128();
-    const __m128i sums = _mm_add_epi64(_mm_sad_epu8(low, zero), _mm_sad_epu8(high, zero));
-    // Byte i of the block counts 32 - i times towards b.
-    const __m128i weighted = _mm_add_epi32(
-        _mm_add_epi32(_mm_madd_epi16(_mm_unpacklo_epi8(low, zero),
-                                     _mm_setr_epi16(32, 31, 30, 29, 28, 27, 26, 25)),
-                      _mm_madd_epi16(_mm_unpackhi_epi8(low, zero),
-                                     _mm_setr_epi16(24, 23, 22, 21, 20, 19, 18, 17))),
-        _mm_add_epi32(
-            _mm_madd_epi16(_mm_unpacklo_epi8(high, zero),
-                           _mm_setr_epi16(16, 15, 14, 13, 12, 11, 10, 9)),
-            _mm_madd_epi16(_mm_unpackhi_epi8(high, zero), _mm_setr_epi16(8, 7, 6, 5, 4, 3, 2, 1))));
-    const __m128i pairs = _mm_add_epi32(weighted, _mm_shuffle_epi32(weighted, 0x4e));
-    const __m128i total = _mm_add_epi32(pairs, _mm_shuffle_epi32(pairs, 0xb1));
-    b_ += 32 * a_ + static_cast<std::uint32_t>(_mm_cvtsi128_si32(total));
-    a_ += static_cast<std::uint64_t>(_mm_cvtsi128_si64(sums)) +
-          static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(sums, sums)));
-  }
-#endif
-  void reduce() {
-    a_ %= kModulus;
-    b_ %= kModulus;
-  }
-  std::uint32_t value() {
-    reduce();
-    return static_cast<std::uint32_t>(b_ << 16 | a_);
-  }
-
- private:
-  std::uint64_t a_ = 1;
-  std::uint64_t b_ = 0;
-};
-
-#if defined(__SSE2__)
-// Palette indices for the 32 pixels from `rgba` on, the block the index building handles at once.
-// Which pixels differ from the one before them (the first from `previous`) is found for all 32 in
-// a few vector instructions; each such change then looks its value up and blends its index into
-// the block from there on. Branches on the data are few: one test of the whole block, which in
-// icons mostly holds one value, and the loop over its changes.
-class IndexBlock {
- public:
-  static constexpr std::size_t kPixels = 32;
-
-  // False once the image turns out to hold more than kPaletteSize colours.
-  template <class Change>
-  bool build(const std::uint8_t* rgba, std::uint32_t& previous, std::uint8_t& previousIndex,
-             Change change) {
-    const __m128i before = _mm_set1_epi32(static_cast<int>(previous));
-    constexpr std::size_t kQuads = kPixels / 4;
-    __m128i quads[kQuads];
-    __m128i same = _mm_set1_epi32(-1);
-    for (std::size_t q = 0; q < kQuads; ++q) {
-      quads[q] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(rgba + 16 * q));
-      same = _mm_and_si128(same, _mm_cmpeq_epi32(quads[q], before));
-    }
-    low_ = high_ = _mm_set1_epi8(static_cast<char>(previousIndex));
-    uniform_ = _mm_movemask_epi8(same) == 0xFFFF;
-    if (uniform_) return true;
-
-    std::uint32_t unchanged = 0;
-    __m128i carried = _mm_srli_si128(before, 12);  // the pixel before, in the lowest lane
-    for (std::size_t q = 0; q < kQuads; ++q) {
-      const __m128i shifted = _mm_or_si128(_mm_slli_si128(quads[q], 4), carried);
-      const int equal = _mm_movemask_ps(_mm_castsi128_ps(_mm_cmpeq_epi32(quads[q], shifted)));
-      unchanged |= static_cast<std::uint32_t>(equal) << (4 * q);
-      carried = _mm_srli_si128(quads[q], 12);
-    }
-    const __m128i lowOffsets = _mm_setr_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
-    const __m128i highOffsets =
-        _mm_setr_epi8(16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31);
-    for (std::uint32_t changes = ~unchanged; changes != 0; changes &= changes - 1) {
-      const int at = __builtin_ctz(changes);
-      if (!change(loadPixel(rgba + 4 * at))) return false;
-      const __m128i from = _mm_set1_epi8(static_cast<char>(at - 1));
-      const __m128i index = _mm_set1_epi8(static_cast<char>(previousIndex));
-      const __m128i lowMask = _mm_cmpgt_epi8(lowOffsets, from);
-      const __m128i highMask = _mm_cmpgt_epi8(highOffsets, from);
-      low_ = _mm_or_si128(_mm_andnot_si128(lowMask, low_), _mm_and_si128(lowMask, index));
-      high_ = _mm_or_si128(_mm_andnot_si128(highMask, high_), _mm_and_si128(highMask, index));
-    }
-    return true;
-  }
-
-  void store(std::uint8_t* indices) const {
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(indices), low_);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(indices + 16), high_);
-  }
-
-  void addTo(Adler32& adler) const {
-    if (uniform_) {
-      adler.addRun(static_cast<std::uint8_t>(_mm_cvtsi128_si32(low_)), kPixels);
-    } else {
-      adler.addBlock(low_, high_);
-    }
-  }
-
- private:
-  __m128i low_;
-  __m128i high_;
-  bool uniform_ = false;
-};
-#endif
-
-// Writes the palette index of every pixel into the rows at `out`, each after its filter-type
-// byte; false once the image turns out to hold more than kPaletteSize colours. Icons are long runs
-// of one value (mostly the transparent ground) and short stretches of edge pixels, so the table is
-// consulted only where the value changes. The running value and its index live in locals: kept in
-// members they would be reloaded after every byte written, as the index bytes may alias anything.
-bool indexRows(const Image& image, ColourTable& table, std::uint8_t* out, std::uint32_t& checksum) {
-  const auto width = static_cast<std::size_t>(image.width());
-  const auto height = static_cast<std::size_t>(image.height());
-  const std::uint8_t* rgba = image.bytes().data();
-  std::uint32_t previous = loadPixel(rgba);
-  auto previousIndex = static_cast<std::uint8_t>(table.indexOf(previous));  // 0: table was empty
-  Adler32 adler;  // a local for the same reason
-  const auto change = [&](std::uint32_t value) {
-    const int index = table.indexOf(value);
-    previous = value;
-    previousIndex = static_cast<std::uint8_t>(index);
-    return index >= 0;
-  };
-  for (std::size_t y = 0; y < height; ++y, rgba += 4 * width, out += width + 1) {
-    out[0] = 0;
-    adler.add(0);
-    std::uint8_t* indices = out + 1;
-    std::size_t x = 0;
-#if defined(__SSE2__)
-    for (IndexBlock block; x + IndexBlock::kPixels <= width; x += IndexBlock::kPixels) {
-      if (!block.build(rgba + 4 * x, previous, previousIndex, change)) return false;
-      block.store(indices + x);
-      block.addTo(adler);
-      previous = loadPixel(rgba + 4 * (x + IndexBlock::kPixels - 1));
-    }
-#endif
-    for (; x < width; ++x) {
-      const std::uint32_t value = loadPixel(rgba + 4 * x);
-      if (value != previous && !change(value)) return false;
-      indices[x] = previousIndex;
-      adler.add(previousIndex);
-    }
-    adler.reduce();
-  }
-  checksum = adler.value();
-  return true;
 }
 
 // The image's rows, each after its filter-type byte (0, none): palette indices when `table` can
