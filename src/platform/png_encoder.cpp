@@ -19,7 +19,6 @@
 #include <isa-l/crc.h>
 #include <isa-l/igzip_lib.h>
 
-#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -42,7 +41,6 @@ namespace {
 
 using detail::ColourTable;
 using detail::indexRows;
-using detail::kPaletteSize;
 
 constexpr int kDeflateLevel = 0;
 constexpr std::size_t kLevelBufferSize = ISAL_DEF_LVL0_DEFAULT;  // none at level 0

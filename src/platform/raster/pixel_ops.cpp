@@ -83,12 +83,11 @@ __attribute__((target("avx2"))) inline __m256i divideChannel(__m256i half, __m25
 
 // Converts `count` image-order pixels in place, whole groups of eight at a time; returns how many
 // it did. Groups whose pixels all have alpha 0 or 255, or no colour, are final and left alone; a
-// group holding others
-// is divided by its alphas in single precision, which gives exactly unpremultiply's result: for
-// n = channel · 255 + alpha / 2 < 2^16 and 0 < alpha < 255, the rounding error of n / alpha is
-// below 2^-24 of it, under 0.004 / alpha, so it never reaches the next integer, at least
-// 1 / alpha away, and truncating it floors the exact quotient. Built for AVX2 alone and called
-// only where the processor has it.
+// group holding others is divided by its alphas in single precision, which gives exactly
+// unpremultiply's result: for n = channel · 255 + alpha / 2 < 2^16 and 0 < alpha < 255, the
+// rounding error of n / alpha is below 2^-24 of it, under 0.004 / alpha, so it never reaches the
+// next integer, at least 1 / alpha away, and truncating it floors the exact quotient. Built for
+// AVX2 alone and called only where the processor has it.
 __attribute__((target("avx2"))) int convertEightsAvx2(std::uint8_t* start, int count) {
   const __m256i alphaOne = _mm256_set1_epi32(0x01000000);
   const __m256i lowByte = _mm256_set1_epi32(0xff);
