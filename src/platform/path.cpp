@@ -109,11 +109,16 @@ void appendNumber(std::string& out, double value, int precision) {
 
 char verbLetter(PathVerb verb) {
   switch (verb) {
-    case PathVerb::Move: return 'M';
-    case PathVerb::Line: return 'L';
-    case PathVerb::Quad: return 'Q';
-    case PathVerb::Cubic: return 'C';
-    case PathVerb::Close: return 'Z';
+    case PathVerb::Move:
+      return 'M';
+    case PathVerb::Line:
+      return 'L';
+    case PathVerb::Quad:
+      return 'Q';
+    case PathVerb::Cubic:
+      return 'C';
+    case PathVerb::Close:
+      return 'Z';
   }
   return '?';
 }

@@ -17,10 +17,14 @@ enum class PathVerb : std::uint8_t { Move, Line, Quad, Cubic, Close };
 constexpr int pointCount(PathVerb verb) {
   switch (verb) {
     case PathVerb::Move:
-    case PathVerb::Line: return 1;
-    case PathVerb::Quad: return 2;
-    case PathVerb::Cubic: return 3;
-    case PathVerb::Close: return 0;
+    case PathVerb::Line:
+      return 1;
+    case PathVerb::Quad:
+      return 2;
+    case PathVerb::Cubic:
+      return 3;
+    case PathVerb::Close:
+      return 0;
   }
   return 0;
 }

@@ -33,8 +33,12 @@ class StrokePaint final : public Paint {
  public:
   StrokePaint(Color color, std::int64_t alpha, float strokeWidth, float strokeMiter,
               PaintStrokeCap strokeCap, PaintStrokeLineJoin strokeLine)
-      : color(color), alpha(alpha), strokeWidth(strokeWidth), strokeMiter(strokeMiter),
-        strokeCap(strokeCap), strokeLine(strokeLine) {}
+      : color(color),
+        alpha(alpha),
+        strokeWidth(strokeWidth),
+        strokeMiter(strokeMiter),
+        strokeCap(strokeCap),
+        strokeLine(strokeLine) {}
   Color color;
   std::int64_t alpha;
   float strokeWidth;  // canvas pixels

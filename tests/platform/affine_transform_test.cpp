@@ -27,8 +27,8 @@ TEST(AffineTransform, PositiveRotationTurnsXTowardY) {
 }
 
 TEST(AffineTransform, RotationAboutAPointEqualsTranslateRotateTranslate) {
-  const auto about = AffineTransform::identity().translated(10, 10).rotated(M_PI / 2).translated(
-      -10, -10);
+  const auto about =
+      AffineTransform::identity().translated(10, 10).rotated(M_PI / 2).translated(-10, -10);
   expectNear(about.apply({10, 10}), {10, 10});
   expectNear(about.apply({20, 10}), {10, 20});
 }
