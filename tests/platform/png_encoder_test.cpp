@@ -4,7 +4,6 @@
 #include <zlib.h>
 
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -19,10 +18,12 @@
 namespace tessaline {
 namespace {
 
+using Bytes = std::vector<std::uint8_t>;
+using Chunks = std::vector<std::string>;
+
 // Decodes PNG bytes back to straight-alpha RGBA through libpng's own reader.
-std::optional<Image> decode(const std::vector<std::uint8_t>& png) {
-  png_image description;
-  std::memset(&description, 0, sizeof description);
+std::optional<Image> decode(const Bytes& png) {
+  png_image description{};
   description.version = PNG_IMAGE_VERSION;
   if (!png_image_begin_read_from_memory(&description, png.data(), png.size())) return std::nullopt;
   description.format = PNG_FORMAT_RGBA;
@@ -33,160 +34,111 @@ std::optional<Image> decode(const std::vector<std::uint8_t>& png) {
   return image;
 }
 
-Image sample() {
-  Image image(7, 5);
-  for (int y = 0; y < image.height(); ++y) {
-    for (int x = 0; x < image.width(); ++x) {
-      // Translucent pixels with bright colour: premultiplying anywhere would darken them.
-      image.setPixel(x, y,
-                     {static_cast<std::uint8_t>(x * 36), 200, static_cast<std::uint8_t>(y * 60),
-                      static_cast<std::uint8_t>(x * 40)});
-    }
-  }
-  return image;
-}
-
-TEST(PngEncoder, RoundTripsStraightAlphaThroughMemory) {
-  const Image image = sample();
-  const auto png = image.encodePng();
-  ASSERT_TRUE(png.has_value());
-  ASSERT_GE(png->size(), 8u);
-  EXPECT_EQ(std::memcmp(png->data(), "\x89PNG\r\n\x1a\n", 8), 0);
-  const auto decoded = decode(*png);
-  ASSERT_TRUE(decoded.has_value());
-  EXPECT_EQ(*decoded, image);
-}
-
-TEST(PngEncoder, WritesTheSameBytesToAFile) {
-  const Image image = sample();
-  const auto path = std::filesystem::temp_directory_path() /
-                    ("tessaline_png_" + std::to_string(::getpid()) + ".png");
-  ASSERT_TRUE(image.writePng(path.string()));
-  std::ifstream in(path, std::ios::binary);
-  const std::vector<std::uint8_t> bytes((std::istreambuf_iterator<char>(in)),
-                                        std::istreambuf_iterator<char>());
-  std::filesystem::remove(path);
-  const auto decoded = decode(bytes);
-  ASSERT_TRUE(decoded.has_value());
-  EXPECT_EQ(*decoded, image);
-}
-
-// Icons with up to 256 distinct colours are written indexed, others as RGBA; both must decode to
-// the very same straight-alpha pixels, and an icon must stay a small file.
-TEST(PngEncoder, RoundTripsFewAndManyColoursExactly) {
-  Image icon(256, 256);  // a translucent disc with a soft edge on transparent ground
-  for (int y = 0; y < 256; ++y) {
-    for (int x = 0; x < 256; ++x) {
-      const int d2 = (x - 128) * (x - 128) + (y - 128) * (y - 128);
-      if (d2 < 88 * 88) {
-        icon.setPixel(x, y, {30, 90, 200, 180});
-      } else if (d2 < 90 * 90) {
-        icon.setPixel(x, y, {30, 90, 200, static_cast<std::uint8_t>(d2 % 97 + 1)});
-      }
-    }
-  }
-  Image manyColours(40, 30);  // 1200 distinct values, beyond any palette
-  for (int y = 0; y < manyColours.height(); ++y) {
-    for (int x = 0; x < manyColours.width(); ++x) {
-      manyColours.setPixel(x, y,
-                           {static_cast<std::uint8_t>(x), static_cast<std::uint8_t>(y), 7,
-                            static_cast<std::uint8_t>(255 - x)});
-    }
-  }
-  for (const Image* image : {&icon, &manyColours}) {
-    SCOPED_TRACE(image->width());
-    const auto png = image->encodePng();
-    ASSERT_TRUE(png.has_value());
-    const auto decoded = decode(*png);
-    ASSERT_TRUE(decoded.has_value());
-    EXPECT_EQ(*decoded, *image);
-  }
-  EXPECT_LT(icon.encodePng()->size(), 16u * 1024);
-}
-
 // The chunk types of a PNG in order, each checked against zlib's CRC-32, or a message for the first
 // fault. libpng only warns about a bad CRC on an ancillary chunk such as tRNS and drops the chunk.
-std::vector<std::string> chunkTypes(const std::vector<std::uint8_t>& png) {
-  std::vector<std::string> types;
+Chunks chunkTypes(const Bytes& png) {
+  const auto be32 = [&png](std::size_t at) {
+    return std::uint32_t{png[at]} << 24 | std::uint32_t{png[at + 1]} << 16 |
+           std::uint32_t{png[at + 2]} << 8 | png[at + 3];
+  };
+  Chunks types;
   std::size_t at = 8;
-  while (at + 12 <= png.size()) {
-    const std::uint32_t length = std::uint32_t{png[at]} << 24 | std::uint32_t{png[at + 1]} << 16 |
-                                 std::uint32_t{png[at + 2]} << 8 | png[at + 3];
+  for (; at + 12 <= png.size(); at += 12 + be32(at)) {
+    const std::uint32_t length = be32(at);
     if (at + 12 + length > png.size()) return {"chunk overruns the file"};
-    const std::uint8_t* crcBytes = png.data() + at + 8 + length;
-    const std::uint32_t stored = std::uint32_t{crcBytes[0]} << 24 |
-                                 std::uint32_t{crcBytes[1]} << 16 |
-                                 std::uint32_t{crcBytes[2]} << 8 | crcBytes[3];
     types.emplace_back(reinterpret_cast<const char*>(png.data() + at + 4), 4);
-    if (stored != crc32(0, png.data() + at + 4, 4 + length)) types.back() += " bad CRC";
-    at += 12 + length;
+    if (be32(at + 8 + length) != crc32(0, png.data() + at + 4, 4 + length))
+      types.back() += " bad CRC";
   }
   if (at != png.size()) types.emplace_back("trailing bytes");
   return types;
 }
 
-int colourType(const std::vector<std::uint8_t>& png) {
-  return png.size() > 25 ? png[25] : -1;
-}
-
-void expectRoundTrip(const Image& image) {
+// Encodes `image` and expects a PNG of colour type 3 (indexed) or 6 (RGBA) with exactly the chunks
+// of that type, decoding to the very same straight-alpha pixels. Gives the PNG, empty on failure.
+Bytes expectRoundTrip(const Image& image, int colourType) {
   const auto png = image.encodePng();
-  ASSERT_TRUE(png.has_value());
-  const auto decoded = decode(*png);
-  ASSERT_TRUE(decoded.has_value());
-  EXPECT_EQ(*decoded, image);
+  if (!png || png->size() < 26) {
+    ADD_FAILURE() << "no PNG";
+    return {};
+  }
+  EXPECT_EQ(std::memcmp(png->data(), "\x89PNG\r\n\x1a\n", 8), 0);
+  EXPECT_EQ((*png)[25], colourType);
+  const Chunks indexed{"IHDR", "PLTE", "tRNS", "IDAT", "IEND"}, rgba{"IHDR", "IDAT", "IEND"};
+  EXPECT_EQ(chunkTypes(*png), colourType == 3 ? indexed : rgba);
+  EXPECT_EQ(decode(*png), std::optional<Image>(image));
+  return *png;
 }
 
-// Runs of a few colours, changes falling at every offset within the blocks the index building
-// compares at once, across row ends, and in row tails narrower than a block.
+template <class PixelAt>
+Image filled(int width, int height, PixelAt pixelAt) {
+  Image image(width, height);
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) image.setPixel(x, y, pixelAt(x, y));
+  }
+  return image;
+}
+
+TEST(PngEncoder, WritesTheSameBytesToMemoryAndToAFile) {
+  // Translucent pixels with bright colour: premultiplying anywhere would darken them.
+  const Image image = filled(7, 5, [](int x, int y) {
+    return Rgba{static_cast<std::uint8_t>(x * 36), 200, static_cast<std::uint8_t>(y * 60),
+                static_cast<std::uint8_t>(x * 40)};
+  });
+  const Bytes png = expectRoundTrip(image, 3);
+  const auto path = std::filesystem::temp_directory_path() /
+                    ("tessaline_png_" + std::to_string(::getpid()) + ".png");
+  ASSERT_TRUE(image.writePng(path.string()));
+  std::ifstream in(path, std::ios::binary);
+  const Bytes written((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  std::filesystem::remove(path);
+  EXPECT_EQ(written, png);
+}
+
+// Icons are written indexed and stay small. Runs of a few colours put changes at every offset
+// within the blocks the index building compares at once, across row ends, and in row tails
+// narrower than a block.
 TEST(PngEncoder, IndexedRowsDecodeExactlyForEveryRunLayout) {
+  const Image icon = filled(256, 256, [](int x, int y) {  // a translucent disc with a soft edge
+    const int d2 = (x - 128) * (x - 128) + (y - 128) * (y - 128);
+    return d2 < 88 * 88   ? Rgba{30, 90, 200, 180}
+           : d2 < 90 * 90 ? Rgba{30, 90, 200, static_cast<std::uint8_t>(d2 % 97 + 1)}
+                          : Rgba{0, 0, 0, 0};
+  });
+  EXPECT_LT(expectRoundTrip(icon, 3).size(), 16u * 1024);
+
   const Rgba colours[] = {{0, 0, 0, 0},     {255, 255, 255, 255}, {12, 34, 56, 78},
                           {12, 34, 56, 79}, {200, 0, 100, 1},     {0, 0, 0, 255}};
   std::mt19937 random(7);
   for (const int width : {1, 7, 8, 9, 31, 32, 33, 40, 63, 64, 65, 257}) {
     SCOPED_TRACE(width);
-    Image image(width, 9);
     std::size_t colour = 0;
     int runLeft = 0;
-    for (int y = 0; y < image.height(); ++y) {
-      for (int x = 0; x < image.width(); ++x) {
-        if (runLeft-- == 0) {
-          colour = (colour + 1 + random() % 5) % 6;
-          // Mostly short runs, now and then one long enough to cover whole blocks.
-          runLeft = static_cast<int>(random() % 4 == 0 ? random() % 80 : random() % 4);
-        }
-        image.setPixel(x, y, colours[colour]);
+    const Image runs = filled(width, 9, [&](int, int) {
+      if (runLeft-- == 0) {
+        colour = (colour + 1 + random() % 5) % 6;
+        // Mostly short runs, now and then one long enough to cover whole blocks.
+        runLeft = static_cast<int>(random() % 4 == 0 ? random() % 80 : random() % 4);
       }
-    }
-    const auto png = image.encodePng();
-    ASSERT_TRUE(png.has_value());
-    EXPECT_EQ(colourType(*png), 3);
-    EXPECT_EQ(chunkTypes(*png), (std::vector<std::string>{"IHDR", "PLTE", "tRNS", "IDAT", "IEND"}));
-    const auto decoded = decode(*png);
-    ASSERT_TRUE(decoded.has_value());
-    EXPECT_EQ(*decoded, image);
+      return colours[colour];
+    });
+    expectRoundTrip(runs, 3);
   }
 }
 
 // 256 distinct values still fit the palette; a 257th, even as the very last pixel, sends the whole
 // image to RGBA after the index rows were nearly done.
 TEST(PngEncoder, PaletteHoldsExactly256Colours) {
-  Image full(16, 16);
-  Image over(17, 16);
-  for (int i = 0; i < 17 * 16; ++i) {
-    const Rgba value{static_cast<std::uint8_t>(i % 256), static_cast<std::uint8_t>(i * 7),
-                     static_cast<std::uint8_t>(255 - i % 256), static_cast<std::uint8_t>(i % 256)};
-    if (i < 256) full.setPixel(i % 16, i / 16, value);
-    over.setPixel(i % 17, i / 17, i == 17 * 16 - 1 ? Rgba{1, 2, 3, 4} : value);
-  }
-  const auto fullPng = full.encodePng();
-  const auto overPng = over.encodePng();
-  ASSERT_TRUE(fullPng.has_value() && overPng.has_value());
-  EXPECT_EQ(colourType(*fullPng), 3);
-  EXPECT_EQ(colourType(*overPng), 6);
-  EXPECT_EQ(chunkTypes(*overPng), (std::vector<std::string>{"IHDR", "IDAT", "IEND"}));
-  expectRoundTrip(full);
-  expectRoundTrip(over);
+  const auto value = [](int i) {
+    return Rgba{static_cast<std::uint8_t>(i % 256), static_cast<std::uint8_t>(i * 7),
+                static_cast<std::uint8_t>(255 - i % 256), static_cast<std::uint8_t>(i % 256)};
+  };
+  const Image full = filled(16, 16, [&](int x, int y) { return value(y * 16 + x); });
+  const Image over = filled(17, 16, [&](int x, int y) {
+    return x == 16 && y == 15 ? Rgba{1, 2, 3, 4} : value(y * 17 + x);
+  });
+  expectRoundTrip(full, 3);
+  expectRoundTrip(over, 6);
 }
 
 // Noise does not fit the room set aside for an icon's compressed rows; the encoder must make room
@@ -195,28 +147,18 @@ TEST(PngEncoder, IncompressibleImagesAreStillWritten) {
   std::mt19937 random(11);
   Image rgbaNoise(200, 150);
   for (std::uint8_t& byte : rgbaNoise.bytes()) byte = static_cast<std::uint8_t>(random());
-  Image indexedNoise(300, 300);  // every one of 256 grey levels, in random order
-  for (int y = 0; y < 300; ++y) {
-    for (int x = 0; x < 300; ++x) {
-      const auto level = static_cast<std::uint8_t>(random());
-      indexedNoise.setPixel(x, y, {level, level, level, 255});
-    }
-  }
-  for (const auto& [image, rowBytes] :
-       {std::pair{&rgbaNoise, 150 * (4 * 200 + 1)}, std::pair{&indexedNoise, 300 * (300 + 1)}}) {
-    SCOPED_TRACE(image->width());
-    const auto png = image->encodePng();
-    ASSERT_TRUE(png.has_value());
-    EXPECT_LT(png->size(), static_cast<std::size_t>(rowBytes) + 2048);
-    EXPECT_EQ(chunkTypes(*png).back(), "IEND");
-    expectRoundTrip(*image);
-  }
+  EXPECT_LT(expectRoundTrip(rgbaNoise, 6).size(), 150u * (4 * 200 + 1) + 2048);
+  const Image greyNoise = filled(300, 300, [&](int, int) {  // all 256 levels in random order
+    const auto level = static_cast<std::uint8_t>(random());
+    return Rgba{level, level, level, 255};
+  });
+  EXPECT_LT(expectRoundTrip(greyNoise, 3).size(), 300u * (300 + 1) + 2048);
 }
 
 TEST(PngEncoder, FailuresAreReportedNotThrown) {
   EXPECT_FALSE(Image(0, 0).encodePng().has_value());
   EXPECT_FALSE(Image(0, 0).writePng("/tmp/never-written.png"));
-  EXPECT_FALSE(sample().writePng("/nonexistent-folder/for/sure/out.png"));
+  EXPECT_FALSE(Image(1, 1).writePng("/nonexistent-folder/for/sure/out.png"));
 }
 
 }  // namespace

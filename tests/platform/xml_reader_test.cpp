@@ -8,9 +8,10 @@
 namespace tessaline {
 namespace {
 
+using Lines = std::vector<std::string>;
+
 // Writes each event as one line: "+name a=1 b=2" for a start, "-name" for an end.
-class Transcript final : public XmlReaderCallbacks {
- public:
+struct Transcript final : XmlReaderCallbacks {
   void start(std::string_view name, Attributes attributes) override {
     std::string line = "+" + std::string(name);
     for (Attributes entry = attributes; entry[0] != nullptr; entry += 2) {
@@ -19,29 +20,23 @@ class Transcript final : public XmlReaderCallbacks {
     lines.push_back(line);
   }
   void end(std::string_view name) override { lines.push_back("-" + std::string(name)); }
-
-  std::vector<std::string> lines;
+  Lines lines;
 };
 
-using Lines = std::vector<std::string>;
-
+// Names and attributes as written, references in values expanded; declarations, comments, text
+// and processing instructions give no events.
 TEST(XmlReader, ReportsElementsWithNamesAndAttributesAsWritten) {
   Transcript transcript;
   ASSERT_TRUE(readXml(
       "<?xml version=\"1.0\"?>\n<!-- note --><svg xmlns=\"http://www.w3.org/2000/svg\" "
       "xmlns:xlink=\"http://www.w3.org/1999/xlink\"><x:Rect Z=\"1\" a=\"2\" m='3'/>text<?pi x?>"
-      "<use xlink:href=\"#a\" FILL=\"Red\"></use></svg>",
+      "<use xlink:href=\"#a\" FILL=\"Red\" v=\"&lt;&amp;&#x41;&#66;&quot;\" w=\"x&#10;y\"></use>"
+      "</svg>",
       transcript));
-  EXPECT_EQ(
-      transcript.lines,
-      (Lines{"+svg xmlns=http://www.w3.org/2000/svg xmlns:xlink=http://www.w3.org/1999/xlink",
-             "+x:Rect Z=1 a=2 m=3", "-x:Rect", "+use xlink:href=#a FILL=Red", "-use", "-svg"}));
-}
-
-TEST(XmlReader, ExpandsReferencesInAttributeValues) {
-  Transcript transcript;
-  ASSERT_TRUE(readXml("<a v=\"&lt;&amp;&#x41;&#66;&quot;\" w=\"x&#10;y\"/>", transcript));
-  EXPECT_EQ(transcript.lines, (Lines{"+a v=<&AB\" w=x\ny", "-a"}));
+  EXPECT_EQ(transcript.lines,
+            (Lines{"+svg xmlns=http://www.w3.org/2000/svg xmlns:xlink=http://www.w3.org/1999/xlink",
+                   "+x:Rect Z=1 a=2 m=3", "-x:Rect", "+use xlink:href=#a FILL=Red v=<&AB\" w=x\ny",
+                   "-use", "-svg"}));
 }
 
 TEST(XmlReader, FailsOnMalformedDocumentsAfterReportingWhatCameBefore) {
@@ -51,7 +46,6 @@ TEST(XmlReader, FailsOnMalformedDocumentsAfterReportingWhatCameBefore) {
   };
   const Case cases[] = {
       {"", {}},
-      {"   ", {}},
       {"<svg><g>", {"+svg", "+g"}},
       {"<svg></g>", {"+svg"}},
       {"<a/><b/>", {"+a", "-a"}},
