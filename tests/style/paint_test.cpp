@@ -2,218 +2,158 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "style/size_only_canvas.h"
 
 namespace tessaline {
 namespace {
 
-using testing::SizeOnlyCanvas;
+using A = PresentationAttributes;
+using Field = std::optional<std::string> A::*;
+using Cap = PaintStrokeCap;
+using Join = PaintStrokeLineJoin;
+using Paints = std::vector<const Paint*>;
 
-const SizeOnlyCanvas kCanvas(256, 256);
-constexpr Rect kHalfBox{0, 0, 128, 128};  // two pixels per view-box unit
-
-PresentationPaint resolve(const PresentationAttributes& attributes) {
-  return PresentationPaint::get(kCanvas, kHalfBox, attributes);
+// A null text leaves the attribute absent. The view box gives two pixels per unit.
+PresentationPaint resolve(const char* fill, const char* stroke,
+                          std::initializer_list<std::pair<Field, const char*>> more = {}) {
+  A attributes;
+  if (fill) attributes.fill = fill;
+  if (stroke) attributes.stroke = stroke;
+  for (const auto& [field, value] : more) {
+    if (value) attributes.*field = value;
+  }
+  return PresentationPaint::get(testing::SizeOnlyCanvas(256, 256), {0, 0, 128, 128}, attributes);
 }
 
-PresentationAttributes fillAndStroke(std::string fill, std::string stroke) {
-  PresentationAttributes attributes;
-  attributes.fill = std::move(fill);
-  attributes.stroke = std::move(stroke);
-  return attributes;
+std::string show(const char* text) {
+  return text ? '"' + std::string(text) + '"' : "absent";
 }
 
-// The stroke paint for "#000" with one more stroke attribute set.
-StrokePaint strokeWith(std::optional<std::string> PresentationAttributes::*field,
-                       std::string value) {
-  PresentationAttributes attributes;
-  attributes.stroke = "#000";
-  attributes.*field = std::move(value);
-  const PresentationPaint paint = resolve(attributes);
-  EXPECT_TRUE(paint.stroke) << *(attributes.*field);
-  return paint.stroke.value_or(
-      StrokePaint(Color{}, -1, -1, -1, PaintStrokeCap::Butt, PaintStrokeLineJoin::Miter));
+TEST(PresentationPaint, ImplicitBlackFillAndFillBeforeStroke) {
+  const PresentationPaint none = resolve(nullptr, nullptr);
+  EXPECT_FALSE(none.error);
+  EXPECT_FALSE(none.stroke);
+  ASSERT_TRUE(none.fill);
+  EXPECT_EQ(none.fill->color, Color::black());
+  EXPECT_EQ(none.fill->alpha, 255);
+  EXPECT_EQ(none.getPaints(), Paints{&*none.fill});
+
+  const PresentationPaint both = resolve("#ff0000", "#0000ff");
+  ASSERT_TRUE(both.fill && both.stroke);
+  EXPECT_EQ(both.getPaints(), (Paints{&*both.fill, &*both.stroke}));
+  EXPECT_EQ(both.fill->color, (Color{1, 0, 0, 1}));
+  EXPECT_EQ(both.stroke->color, (Color{0, 0, 1, 1}));
 }
 
-TEST(PresentationPaint, NoAttributesGiveAnOpaqueBlackFill) {
-  const PresentationPaint paint = resolve({});
-  EXPECT_FALSE(paint.error);
-  EXPECT_FALSE(paint.stroke);
-  ASSERT_TRUE(paint.fill);
-  EXPECT_EQ(paint.fill->color, Color::black());
-  EXPECT_EQ(paint.fill->alpha, 255);
-  ASSERT_EQ(paint.getPaints().size(), 1u);
-  EXPECT_EQ(paint.getPaints()[0], &*paint.fill);
-}
-
-TEST(PresentationPaint, StrokeDefaultsAndNoImplicitFill) {
-  PresentationAttributes attributes;
-  attributes.stroke = "#000";
-  const PresentationPaint paint = resolve(attributes);
-  EXPECT_FALSE(paint.error);
-  EXPECT_FALSE(paint.fill);
-  ASSERT_TRUE(paint.stroke);
-  EXPECT_EQ(paint.stroke->color, Color::black());
-  EXPECT_EQ(paint.stroke->alpha, 255);
-  EXPECT_EQ(paint.stroke->strokeWidth, 2.0f);  // 1 unit at two pixels per unit
-  EXPECT_EQ(paint.stroke->strokeMiter, 4.0f);
-  EXPECT_EQ(paint.stroke->strokeCap, PaintStrokeCap::Butt);
-  EXPECT_EQ(paint.stroke->strokeLine, PaintStrokeLineJoin::Miter);
-}
-
-TEST(PresentationPaint, FillAndStrokePresence) {
+TEST(PresentationPaint, NoneOrEmptyDropsAPaintAndAnInvalidColorDropsEvery) {
   struct Case {
-    std::optional<std::string> fill, stroke;
-    bool hasFill, hasStroke;
+    const char *fill, *stroke;
+    bool hasFill, hasStroke, invalid;
   };
-  for (const Case& c : {Case{"none", {}, false, false}, Case{"NONE", {}, false, false},
-                        Case{"", {}, true, false}, Case{{}, "none", true, false},
-                        Case{{}, "", true, false}, Case{"none", "none", false, false},
-                        Case{"none", "#fff", false, true}, Case{"#fff", "#000", true, true}}) {
-    SCOPED_TRACE(c.fill.value_or("<absent>") + " / " + c.stroke.value_or("<absent>"));
-    PresentationAttributes attributes;
-    attributes.fill = c.fill;
-    attributes.stroke = c.stroke;
-    const PresentationPaint paint = resolve(attributes);
-    EXPECT_FALSE(paint.error);
+  const Case cases[] = {
+      {"none", nullptr, 0, 0, 0},  {"NONE", nullptr, 0, 0, 0},  {"", nullptr, 1, 0, 0},
+      {nullptr, "none", 1, 0, 0},  {nullptr, "", 1, 0, 0},      {"none", "none", 0, 0, 0},
+      {"none", "#fff", 0, 1, 0},   {"#fff", "#000", 1, 1, 0},   {"red", "#000", 0, 0, 1},
+      {"#000", "red", 0, 0, 1},    {"abc", "", 0, 0, 1},        {"xabc", "", 0, 0, 1},
+      {"rgb(0,0,0)", "", 0, 0, 1}, {"#12345", "none", 0, 0, 1}, {"none", "#ggg", 0, 0, 1}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(show(c.fill) + " / " + show(c.stroke));
+    const PresentationPaint paint = resolve(c.fill, c.stroke);
+    EXPECT_EQ(paint.error, c.invalid ? std::optional<std::string>("Invalid color") : std::nullopt);
     EXPECT_EQ(paint.fill.has_value(), c.hasFill);
     EXPECT_EQ(paint.stroke.has_value(), c.hasStroke);
+    EXPECT_EQ(paint.getPaints().size(), std::size_t{c.hasFill} + c.hasStroke);
   }
-}
-
-TEST(PresentationPaint, PaintsComeFillFirst) {
-  const PresentationPaint paint = resolve(fillAndStroke("#ff0000", "#0000ff"));
-  ASSERT_EQ(paint.getPaints().size(), 2u);
-  EXPECT_EQ(paint.getPaints()[0], &*paint.fill);
-  EXPECT_EQ(paint.getPaints()[1], &*paint.stroke);
-  EXPECT_EQ(paint.fill->color, (Color{1, 0, 0, 1}));
-  EXPECT_EQ(paint.stroke->color, (Color{0, 0, 1, 1}));
 }
 
 TEST(PresentationPaint, ColorStrings) {
-  struct Case {
-    const char* text;
-    Color expected;
-  };
-  for (const Case& c :
-       {Case{"#abc", *Color::fromHexString("#aabbcc")},
-        Case{"#f80", *Color::fromHexString("#ff8800")},
-        Case{"aabbcc", *Color::fromHexString("#aabbcc")},
-        Case{"#aabbcc80", *Color::fromHexString("#aabbcc80")}, Case{"currentColor", Color::black()},
-        Case{"CURRENTCOLOR", Color::black()}}) {
-    SCOPED_TRACE(c.text);
-    PresentationAttributes attributes;
-    attributes.fill = c.text;
-    const PresentationPaint paint = resolve(attributes);
+  for (const auto& [text, expected] : {std::pair{"#abc", *Color::fromHexString("#aabbcc")},
+                                       {"aabbcc", *Color::fromHexString("#aabbcc")},
+                                       {"#aabbcc80", *Color::fromHexString("#aabbcc80")},
+                                       {"currentColor", Color::black()},
+                                       {"CURRENTCOLOR", Color::black()}}) {
+    SCOPED_TRACE(text);
+    const PresentationPaint paint = resolve(text, nullptr);
     ASSERT_TRUE(paint.fill);
-    EXPECT_EQ(paint.fill->color, c.expected);
+    EXPECT_EQ(paint.fill->color, expected);
   }
-}
-
-TEST(PresentationPaint, InvalidColorsDropEveryPaint) {
-  for (const auto& attributes :
-       {fillAndStroke("red", "#000"), fillAndStroke("#000", "red"), fillAndStroke("abc", ""),
-        fillAndStroke("xabc", ""), fillAndStroke("rgb(0,0,0)", ""), fillAndStroke("#12345", "none"),
-        fillAndStroke("none", "#ggg")}) {
-    SCOPED_TRACE(attributes.fill.value_or("") + " / " + attributes.stroke.value_or(""));
-    const PresentationPaint paint = resolve(attributes);
-    EXPECT_EQ(paint.error, "Invalid color");
-    EXPECT_FALSE(paint.fill);
-    EXPECT_FALSE(paint.stroke);
-    EXPECT_TRUE(paint.getPaints().empty());
-  }
-}
-
-TEST(PresentationPaint, OpacityTruncatesAndClamps) {
-  struct Case {
-    const char* opacity;
-    std::int64_t alpha;
-  };
-  for (const Case& c : {Case{"0.5", 127}, Case{"0.999", 254}, Case{"1", 255}, Case{"2", 255},
-                        Case{"-1", 0}, Case{"-0.001", 0}, Case{"abc", 0}, Case{"0.2px", 51},
-                        Case{"1e30", 255}, Case{"-1e30", 0}, Case{"1e39", 255}, Case{"-1e39", 0}}) {
-    SCOPED_TRACE(c.opacity);
-    PresentationAttributes attributes = fillAndStroke("#fff", "#000");
-    attributes.opacity = c.opacity;
-    const PresentationPaint paint = resolve(attributes);
-    ASSERT_TRUE(paint.fill && paint.stroke);
-    EXPECT_EQ(paint.fill->alpha, c.alpha);
-    EXPECT_EQ(paint.stroke->alpha, c.alpha);
-  }
-}
-
-TEST(PresentationPaint, FillOpacityReplacesOpacityForTheFillOnly) {
-  PresentationAttributes attributes = fillAndStroke("#fff", "#000");
-  attributes.opacity = "0.5";
-  attributes.fillOpacity = "1";
-  PresentationPaint paint = resolve(attributes);
-  EXPECT_EQ(paint.fill->alpha, 255);
-  EXPECT_EQ(paint.stroke->alpha, 127);
-
-  attributes.opacity.reset();
-  attributes.fillOpacity = "0.5";
-  paint = resolve(attributes);
-  EXPECT_EQ(paint.fill->alpha, 127);
-  EXPECT_EQ(paint.stroke->alpha, 255);
-
-  // An empty value counts as absent.
-  attributes.opacity = "0.5";
-  attributes.fillOpacity = "";
-  paint = resolve(attributes);
-  EXPECT_EQ(paint.fill->alpha, 127);
-
   // The implicit black fill takes the opacities too.
-  PresentationAttributes implicit;
-  implicit.fillOpacity = "0.25";
-  EXPECT_EQ(resolve(implicit).fill->alpha, 63);
+  EXPECT_EQ(resolve(nullptr, nullptr, {{&A::fillOpacity, "0.25"}}).fill->alpha, 63);
 }
 
-TEST(PresentationPaint, StrokeWidthIsConvertedToPixels) {
-  const auto width = [](std::string value) {
-    return strokeWith(&PresentationAttributes::strokeWidth, std::move(value)).strokeWidth;
+// Opacity is multiplied by 255 in float, truncated and clamped; a fill opacity replaces it for
+// the fill only, and an empty one counts as absent.
+TEST(PresentationPaint, OpacityAndFillOpacity) {
+  struct Case {
+    const char *opacity, *fillOpacity;
+    std::int64_t fill, stroke;
   };
-  EXPECT_EQ(width("3"), 6.0f);
-  EXPECT_EQ(width("2px"), 4.0f);
-  EXPECT_EQ(width(" 0.25"), 0.5f);
-  EXPECT_EQ(width("abc"), 0.0f);
-  EXPECT_EQ(width(""), 2.0f);
+  const Case cases[] = {
+      {"0.5", nullptr, 127, 127}, {"0.999", nullptr, 254, 254}, {"1", nullptr, 255, 255},
+      {"2", nullptr, 255, 255},   {"-1", nullptr, 0, 0},        {"-0.001", nullptr, 0, 0},
+      {"abc", nullptr, 0, 0},     {"0.2px", nullptr, 51, 51},   {"1e30", nullptr, 255, 255},
+      {"-1e30", nullptr, 0, 0},   {"1e39", nullptr, 255, 255},  {"-1e39", nullptr, 0, 0},
+      {"0.5", "1", 255, 127},     {nullptr, "0.5", 127, 255},   {"0.5", "", 127, 127}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(show(c.opacity) + " / " + show(c.fillOpacity));
+    const PresentationPaint paint =
+        resolve("#fff", "#000", {{&A::opacity, c.opacity}, {&A::fillOpacity, c.fillOpacity}});
+    ASSERT_TRUE(paint.fill && paint.stroke);
+    EXPECT_EQ(paint.fill->alpha, c.fill);
+    EXPECT_EQ(paint.stroke->alpha, c.stroke);
+  }
 }
 
-TEST(PresentationPaint, MiterLimitIsAtLeastOne) {
-  const auto miter = [](std::string value) {
-    return strokeWith(&PresentationAttributes::strokeMiterLimit, std::move(value)).strokeMiter;
-  };
-  EXPECT_EQ(miter("0.5"), 1.0f);
-  EXPECT_EQ(miter("1"), 1.0f);
-  EXPECT_EQ(miter("-3"), 1.0f);
-  EXPECT_EQ(miter("abc"), 1.0f);
-  EXPECT_EQ(miter("1.5"), 1.5f);
-  EXPECT_EQ(miter("10"), 10.0f);
-  EXPECT_EQ(miter(""), 4.0f);
+// The stroke of "#000" with one more attribute set; a stroke alone draws no implicit fill.
+StrokePaint strokeWith(Field field, const char* value) {
+  const PresentationPaint paint = resolve(nullptr, "#000", {{field, value}});
+  EXPECT_FALSE(paint.error || paint.fill) << value;
+  const StrokePaint none(Color{}, -1, -1, -1, Cap::Butt, Join::Miter);
+  EXPECT_EQ(paint.stroke.value_or(none).color, Color::black()) << value;
+  EXPECT_EQ(paint.stroke.value_or(none).alpha, 255) << value;
+  return paint.stroke.value_or(none);
 }
 
-TEST(PresentationPaint, CapsAndJoinsFoldCaseWithoutTrimming) {
-  const auto cap = [](std::string value) {
-    return strokeWith(&PresentationAttributes::strokeLineCap, std::move(value)).strokeCap;
-  };
-  EXPECT_EQ(cap("butt"), PaintStrokeCap::Butt);
-  EXPECT_EQ(cap("Round"), PaintStrokeCap::Round);
-  EXPECT_EQ(cap("SQUARE"), PaintStrokeCap::Square);
-  EXPECT_EQ(cap(" round"), PaintStrokeCap::Butt);
-  EXPECT_EQ(cap("bogus"), PaintStrokeCap::Butt);
-
-  const auto join = [](std::string value) {
-    return strokeWith(&PresentationAttributes::strokeLineJoin, std::move(value)).strokeLine;
-  };
-  EXPECT_EQ(join("ARCS"), PaintStrokeLineJoin::Miter);
-  EXPECT_EQ(join("Miter-Clip"), PaintStrokeLineJoin::Miter);
-  EXPECT_EQ(join("bevel"), PaintStrokeLineJoin::Bevel);
-  EXPECT_EQ(join("ROUND"), PaintStrokeLineJoin::Round);
-  EXPECT_EQ(join("round "), PaintStrokeLineJoin::Miter);
-  EXPECT_EQ(join("bogus"), PaintStrokeLineJoin::Miter);
+// Widths are converted to pixels, the miter limit is at least 1, and caps and joins fold case
+// but are not trimmed.
+TEST(PresentationPaint, StrokeAttributes) {
+  const StrokePaint defaults = strokeWith(&A::stroke, "#000");
+  EXPECT_EQ(defaults.strokeWidth, 2.0f);  // 1 unit at two pixels per unit
+  EXPECT_EQ(defaults.strokeMiter, 4.0f);
+  EXPECT_EQ(defaults.strokeCap, Cap::Butt);
+  EXPECT_EQ(defaults.strokeLine, Join::Miter);
+  for (auto [text, width] :
+       {std::pair{"3", 6.0f}, {"2px", 4.0f}, {" 0.25", 0.5f}, {"abc", 0.0f}, {"", 2.0f}}) {
+    EXPECT_EQ(strokeWith(&A::strokeWidth, text).strokeWidth, width) << text;
+  }
+  for (auto [text, miter] : {std::pair{"0.5", 1.0f},
+                             {"1", 1.0f},
+                             {"-3", 1.0f},
+                             {"abc", 1.0f},
+                             {"1.5", 1.5f},
+                             {"10", 10.0f},
+                             {"", 4.0f}}) {
+    EXPECT_EQ(strokeWith(&A::strokeMiterLimit, text).strokeMiter, miter) << text;
+  }
+  for (auto [text, cap] : {std::pair{"butt", Cap::Butt},
+                           {"Round", Cap::Round},
+                           {"SQUARE", Cap::Square},
+                           {" round", Cap::Butt},
+                           {"bogus", Cap::Butt}}) {
+    EXPECT_EQ(strokeWith(&A::strokeLineCap, text).strokeCap, cap) << text;
+  }
+  for (auto [text, join] : {std::pair{"ARCS", Join::Miter},
+                            {"Miter-Clip", Join::Miter},
+                            {"bevel", Join::Bevel},
+                            {"ROUND", Join::Round},
+                            {"round ", Join::Miter},
+                            {"bogus", Join::Miter}}) {
+    EXPECT_EQ(strokeWith(&A::strokeLineJoin, text).strokeLine, join) << text;
+  }
 }
 
 }  // namespace

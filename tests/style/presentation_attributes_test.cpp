@@ -9,45 +9,44 @@ namespace tessaline {
 namespace {
 
 using Names = std::vector<std::string>;
+using A = PresentationAttributes;
 
 SVGEvent tag(SVGEvent::Attributes attributes) {
   return {EventType::StartTag, "path", std::move(attributes)};
 }
 
-TEST(PresentationAttributes, RoutesEachNameToItsFieldWhateverTheCase) {
-  PresentationAttributes attributes;
-  const Names consumed = attributes.parse(tag({
-      {"FILL", "Red"},
-      {"Opacity", "0.5"},
-      {"fill-opacity", " 0.25 "},
-      {"stroke", "blue"},
-      {"Stroke-Width", "2"},
-      {"stroke-miterlimit", "4"},
-      {"stroke-linecap", "Round"},
-      {"stroke-linejoin", "bevel"},
-      {"CLIP-PATH", "url(#c)"},
-      {"transform", "scale(2)"},
-      {"d", "M0 0"},
-      {"fillx", "1"},
-      {"id", "x"},
-  }));
+using Fields = std::vector<std::optional<std::string>>;
+
+// One value per field, in declaration order.
+Fields fieldsOf(const A& a) {
+  return {a.fill,        a.opacity,          a.fillOpacity,   a.transform,      a.stroke,
+          a.strokeWidth, a.strokeMiterLimit, a.strokeLineCap, a.strokeLineJoin, a.clipPath};
+}
+
+TEST(PresentationAttributes, RoutesEachNameToItsFieldWhateverTheCaseAndKeepsValuesAsWritten) {
+  A attributes;
+  const Names consumed = attributes.parse(tag({{"FILL", "Red"},
+                                               {"Opacity", "0.5"},
+                                               {"fill-opacity", " 0.25 "},
+                                               {"transform", "s(2)"},
+                                               {"stroke", "blue"},
+                                               {"Stroke-Width", "2"},
+                                               {"stroke-miterlimit", "4"},
+                                               {"stroke-linecap", "Round"},
+                                               {"stroke-linejoin", "bevel"},
+                                               {"CLIP-PATH", "url(#c)"},
+                                               {"d", "M0 0"},
+                                               {"fillx", "1"},
+                                               {"id", "x"}}));
   EXPECT_EQ(consumed,
-            (Names{"fill", "opacity", "fill-opacity", "stroke", "stroke-width", "stroke-miterlimit",
-                   "stroke-linecap", "stroke-linejoin", "clip-path", "transform"}));
-  EXPECT_EQ(attributes.fill, "Red");
-  EXPECT_EQ(attributes.opacity, "0.5");
-  EXPECT_EQ(attributes.fillOpacity, " 0.25 ");  // values as written, untrimmed
-  EXPECT_EQ(attributes.stroke, "blue");
-  EXPECT_EQ(attributes.strokeWidth, "2");
-  EXPECT_EQ(attributes.strokeMiterLimit, "4");
-  EXPECT_EQ(attributes.strokeLineCap, "Round");
-  EXPECT_EQ(attributes.strokeLineJoin, "bevel");
-  EXPECT_EQ(attributes.clipPath, "url(#c)");
-  EXPECT_EQ(attributes.transform, "scale(2)");
+            (Names{"fill", "opacity", "fill-opacity", "transform", "stroke", "stroke-width",
+                   "stroke-miterlimit", "stroke-linecap", "stroke-linejoin", "clip-path"}));
+  EXPECT_EQ(fieldsOf(attributes), (Fields{"Red", "0.5", " 0.25 ", "s(2)", "blue", "2", "4", "Round",
+                                          "bevel", "url(#c)"}));
 }
 
 TEST(PresentationAttributes, LaterValuesReplaceEarlierOnesExceptTransformsWhichAccumulate) {
-  PresentationAttributes attributes;
+  A attributes;
   attributes.parse(tag({{"fill", "red"},
                         {"transform", "translate(1,2)"},
                         {"Fill", "blue"},
@@ -57,9 +56,9 @@ TEST(PresentationAttributes, LaterValuesReplaceEarlierOnesExceptTransformsWhichA
   EXPECT_EQ(attributes.transform, "translate(1,2) scale(2) rotate(3)");
 
   // An inherited transform is extended, not replaced; an empty one still takes the blank.
-  PresentationAttributes inherited;
+  A inherited;
   inherited.transform = "";
-  PresentationAttributes child(&inherited);
+  A child(&inherited);
   child.parse(tag({{"transform", "scale(3)"}}));
   EXPECT_EQ(child.transform, " scale(3)");
   EXPECT_EQ(inherited.transform, "");
@@ -69,8 +68,7 @@ TEST(PresentationAttributes, StyleDeclarationsAreTrimmedAndReportedOnlyWhenAllAr
   struct Case {
     const char* style;
     bool consumed;
-    std::optional<std::string> fill;
-    std::optional<std::string> stroke;
+    std::optional<std::string> fill, stroke;
   };
   const Case cases[] = {
       {"fill: red ; stroke:blue", true, "red", "blue"},
@@ -90,51 +88,39 @@ TEST(PresentationAttributes, StyleDeclarationsAreTrimmedAndReportedOnlyWhenAllAr
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.style);
-    PresentationAttributes attributes;
-    const Names consumed = attributes.parse(tag({{"Style", c.style}}));
-    EXPECT_EQ(consumed, c.consumed ? Names{"style"} : Names{});
+    A attributes;
+    EXPECT_EQ(attributes.parse(tag({{"Style", c.style}})), c.consumed ? Names{"style"} : Names{});
     EXPECT_EQ(attributes.fill, c.fill);
     EXPECT_EQ(attributes.stroke, c.stroke);
   }
 }
 
-TEST(PresentationAttributes, CopiesAreIndependent) {
-  PresentationAttributes original;
-  original.fill = "red";
-  original.clipPath = "";
-  PresentationAttributes copy(&original);
-  EXPECT_EQ(copy, original);
-  copy.fill = "blue";
-  EXPECT_EQ(original.fill, "red");
-  EXPECT_EQ(PresentationAttributes(nullptr), PresentationAttributes());
-}
-
-TEST(PresentationAttributes, JoinFillsOnlyTheGapsOfTheBase) {
-  PresentationAttributes base;
+TEST(PresentationAttributes, CopiesAreIndependentAndJoinFillsOnlyTheGapsOfTheBase) {
+  A base, inherited;
   base.fill = "";
   base.transform = "scale(2)";
   base.opacity = "0.5";
-  PresentationAttributes inherited;
-  inherited.fill = "red";
-  inherited.transform = "translate(1,1)";
-  inherited.opacity = "0.5";
-  inherited.stroke = "blue";
-  inherited.clipPath = "url(#c)";
+  A copy(&base);
+  EXPECT_EQ(copy, base);
+  copy.fill = "blue";
+  EXPECT_EQ(base.fill, "");
+  EXPECT_EQ(A(nullptr), A());
 
-  const PresentationAttributes joined = PresentationAttributes::join(&base, &inherited);
-  EXPECT_EQ(joined.fill, "");               // an empty value blocks inheritance
-  EXPECT_EQ(joined.transform, "scale(2)");  // never concatenated
-  EXPECT_EQ(joined.opacity, "0.5");         // never multiplied
-  EXPECT_EQ(joined.stroke, "blue");
-  EXPECT_EQ(joined.clipPath, "url(#c)");
-  EXPECT_EQ(joined.strokeWidth, std::nullopt);
-
-  EXPECT_EQ(PresentationAttributes::join(&base, nullptr), base);
-  EXPECT_EQ(PresentationAttributes::join(nullptr, &inherited), inherited);
-  EXPECT_EQ(PresentationAttributes::join(nullptr, nullptr), PresentationAttributes());
+  inherited.parse(tag({{"fill", "red"},
+                       {"transform", "translate(1,1)"},
+                       {"opacity", "0.5"},
+                       {"stroke", "blue"},
+                       {"clip-path", "url(#c)"}}));
+  // An empty value blocks inheritance; transforms are never concatenated nor opacities multiplied.
+  EXPECT_EQ(fieldsOf(A::join(&base, &inherited)),
+            (Fields{"", "0.5", {}, "scale(2)", "blue", {}, {}, {}, {}, "url(#c)"}));
+  EXPECT_EQ(A::join(&base, nullptr), base);
+  EXPECT_EQ(A::join(nullptr, &inherited), inherited);
+  EXPECT_EQ(A::join(nullptr, nullptr), A());
 
   // Every one of the ten fields is inherited.
-  PresentationAttributes full;
+  A full;
+  const A empty;
   full.parse(tag({{"fill", "1"},
                   {"opacity", "2"},
                   {"fill-opacity", "3"},
@@ -145,8 +131,9 @@ TEST(PresentationAttributes, JoinFillsOnlyTheGapsOfTheBase) {
                   {"stroke-linecap", "8"},
                   {"stroke-linejoin", "9"},
                   {"clip-path", "10"}}));
-  PresentationAttributes empty;
-  EXPECT_EQ(PresentationAttributes::join(&empty, &full), full);
+  EXPECT_EQ(fieldsOf(A::join(&empty, &full)),
+            (Fields{"1", "2", "3", "4", "5", "6", "7", "8", "9", "10"}));
+  EXPECT_EQ(A::join(&empty, &full), full);
 }
 
 }  // namespace

@@ -8,11 +8,7 @@ namespace tessaline::testing {
 class SizeOnlyCanvas final : public SVGCanvasProtocol {
  public:
   SizeOnlyCanvas(int width, int height) : width_(width), height_(height) {}
-
-  void initCanvas(int width, int height) override {
-    width_ = width;
-    height_ = height;
-  }
+  void initCanvas(int width, int height) override { width_ = width, height_ = height; }
   int getWidth() const override { return width_; }
   int getHeight() const override { return height_; }
   void drawPath(const Path&, const Paint&, std::optional<FillRule>) override {}
@@ -20,8 +16,7 @@ class SizeOnlyCanvas final : public SVGCanvasProtocol {
   void restoreClipPath() override {}
 
  private:
-  int width_;
-  int height_;
+  int width_, height_;
 };
 
 }  // namespace tessaline::testing

@@ -20,17 +20,15 @@ constexpr double kTolerance = 1e-5;
 const SizeOnlyCanvas kCanvas(256, 256);
 constexpr Rect kUnitBox{0, 0, 256, 256};  // one pixel per view-box unit
 
-AffineTransform matrixFor(const std::string& transform, const Rect& viewBox = kUnitBox) {
-  const TransformResult result = TransformHelper::getTransformMatrix(transform, kCanvas, viewBox);
-  EXPECT_FALSE(result.error) << *result.error;
-  EXPECT_TRUE(result.matrix);
-  return result.matrix.value_or(AffineTransform{});
+TransformResult resultFor(const std::string& transform, const Rect& viewBox = kUnitBox) {
+  return TransformHelper::getTransformMatrix(transform, kCanvas, viewBox);
 }
 
-std::string errorFor(const std::string& transform) {
-  const TransformResult result = TransformHelper::getTransformMatrix(transform, kCanvas, kUnitBox);
-  EXPECT_FALSE(result.matrix);
-  return result.error.value_or("<no error>");
+AffineTransform matrixFor(const std::string& transform, const Rect& viewBox = kUnitBox) {
+  const TransformResult result = resultFor(transform, viewBox);
+  EXPECT_FALSE(result.error) << transform << ": " << *result.error;
+  EXPECT_TRUE(result.matrix) << transform;
+  return result.matrix.value_or(AffineTransform{});
 }
 
 void expectMaps(const AffineTransform& m, Point from, Point to) {
@@ -50,42 +48,85 @@ TEST(ConvertXToVP, DividesByTheLargerViewBoxToCanvasRatio) {
 }
 
 TEST(TransformHelper, NoTransformGivesThePureViewportScale) {
-  const Rect box{0, 0, 100, 50};
-  const SizeOnlyCanvas canvas(200, 200);
   for (const std::optional<std::string>& text : {std::optional<std::string>{}, {""}}) {
     SCOPED_TRACE(text.value_or("<absent>"));
-    const TransformResult result = TransformHelper::getTransformMatrix(text, canvas, box);
-    ASSERT_TRUE(result.matrix);
+    const TransformResult result =
+        TransformHelper::getTransformMatrix(text, SizeOnlyCanvas(200, 200), {0, 0, 100, 50});
     EXPECT_FALSE(result.error);
-    EXPECT_EQ(*result.matrix, AffineTransform::makeScale(2, 2));
+    EXPECT_EQ(result.matrix, AffineTransform::makeScale(2, 2));
   }
 }
 
-TEST(TransformHelper, RightmostFunctionActsFirstAndTheViewportScaleLast) {
-  expectMaps(matrixFor("translate(10 0) scale(2)"), {1, 1}, {12, 2});
-  expectMaps(matrixFor("scale(2) translate(10 0)"), {1, 1}, {22, 2});
+// The rightmost function acts first and the viewport scale last. Parameters split on blanks only
+// (so "rotate(90,10,10)" is one piece, read as 90, about the origin) and are read leniently.
+// Without ")" the parameter text is the one character after "(", counted in characters, not
+// bytes ("€" reads as 0); a later ")" closes the parameters however far away it is.
+TEST(TransformHelper, MapsPoints) {
+  struct Case {
+    const char* text;
+    double fromX, fromY, toX, toY;
+  };
+  const Case cases[] = {{"translate(10 0) scale(2)", 1, 1, 12, 2},
+                        {"translate(5)", 1, 1, 6, 1},
+                        {"translate(5 7)", 1, 1, 6, 8},
+                        {"scale(2)", 3, 4, 6, 8},
+                        {"scale(2 3)", 3, 4, 6, 12},
+                        {"matrix(1 2 3 4 5 6)", 1, 1, 9, 12},
+                        {"rotate(90)", 1, 0, 0, 1},
+                        {"rotate(90 10 10)", 20, 10, 10, 20},
+                        {"rotate(90,10,10)", 10, 10, -10, 10},
+                        {"translate(  10   20 )", 0, 0, 10, 20},
+                        {"translate(1e1 2px)", 0, 0, 10, 2},
+                        {"translate(abc 3)", 0, 0, 0, 3},
+                        {"scale(22", 1, 1, 2, 2},
+                        {"scale(2", 1, 1, 2, 2},
+                        {"scale(€", 1, 1, 0, 0},
+                        {"scale(22 translate(5)", 1, 1, 22, 0}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    expectMaps(matrixFor(c.text), {c.fromX, c.fromY}, {c.toX, c.toY});
+  }
   expectMaps(matrixFor("translate(10 0) matrix(2 0 0 2 0 0)"), {1, 1}, {12, 2});
   // Half-size view box: two pixels per unit, applied after the list.
   expectMaps(matrixFor("translate(10 0)", {0, 0, 128, 128}), {1, 1}, {22, 2});
 }
 
-TEST(TransformHelper, BasicFunctions) {
-  expectMaps(matrixFor("translate(5)"), {1, 1}, {6, 1});
-  expectMaps(matrixFor("translate(5 7)"), {1, 1}, {6, 8});
-  expectMaps(matrixFor("scale(2)"), {3, 4}, {6, 8});
-  expectMaps(matrixFor("scale(2 3)"), {3, 4}, {6, 12});
-  expectMaps(matrixFor("matrix(1 2 3 4 5 6)"), {1, 1}, {9, 12});
-  expectMaps(matrixFor("rotate(90)"), {1, 0}, {0, 1});
+TEST(TransformHelper, EquivalentLists) {
   EXPECT_EQ(matrixFor("matrix(1 0 0 1 5 5)"), matrixFor("translate(5 5)"));
+  // A function with the wrong number of parameters is dropped silently.
+  for (const char* text :
+       {"rotate(90 10) translate(5)", "translate(5) rotate(90 10 10 10)",
+        "translate(1 2 3) translate(5)", "scale() translate(5)", "translate(5) matrix(1 0 0 1 5)",
+        "matrix(1 0 0 1 5 5 5)translate(5)", "scale(1 2 3)translate(5)"}) {
+    EXPECT_EQ(matrixFor(text), matrixFor("translate(5)")) << text;
+  }
+  // Functions are separated by spaces or nothing.
+  for (const char* text : {"translate(10)rotate(45)", "translate(10)   rotate(45)   "}) {
+    EXPECT_EQ(matrixFor(text), matrixFor("translate(10) rotate(45)")) << text;
+  }
+  // The character after an unclosed parameter stands in for ")" and is skipped, whatever it is.
+  for (const char* text : {"scale(23 rotate(90", "scale(23rotate(9"}) {
+    EXPECT_EQ(matrixFor(text), matrixFor("scale(2) rotate(9)")) << text;
+  }
 }
 
-TEST(TransformHelper, RotationAboutAPoint) {
-  const AffineTransform about = matrixFor("rotate(90 10 10)");
-  expectMaps(about, {10, 10}, {10, 10});
-  expectMaps(about, {20, 10}, {10, 20});
-  // Commas do not separate parameters: one piece, read as 90, about the origin.
-  const AffineTransform origin = matrixFor("rotate(90,10,10)");
-  expectMaps(origin, {10, 10}, {-10, 10});
+// Unknown names and separators other than spaces end parsing with the literal message; text
+// ending right after an opening parenthesis fails to parse.
+TEST(TransformHelper, Errors) {
+  for (const char* text :
+       {"translate(10), rotate(45)", "translate(10)\trotate(45)", "translate(10)\nrotate(45)",
+        "scale(234 rotate(9", "skewX(30)", "skewY(30)", " scale(2)", "Scale(2)", "SCALE(2)",
+        "scale (2)", "scale(2) x", "scale(2) xyz", "scale(2) rotate", "(", ")", "x", "()",
+        "scale(2) é", "translate(5) foo(1) scale(2)",
+        // "(" with a combining mark is another character, not a "(".
+        "scale(\u03012)"}) {
+    EXPECT_EQ(resultFor(text).error, "Invalid transform function $functionName") << text;
+    EXPECT_FALSE(resultFor(text).matrix) << text;
+  }
+  for (const char* text : {"scale(", "rotate(", "matrix(", "translate(10) scale("}) {
+    EXPECT_EQ(resultFor(text).error, "Failed to parse transforms") << text;
+    EXPECT_FALSE(resultFor(text).matrix) << text;
+  }
 }
 
 TEST(TransformHelper, RotationUsesTheFloatAngleWithTheFixedPiConstant) {
@@ -95,68 +136,6 @@ TEST(TransformHelper, RotationUsesTheFloatAngleWithTheFixedPiConstant) {
   EXPECT_NE(matrixFor("rotate(180)"), AffineTransform::identity().rotated(M_PI));
   EXPECT_EQ(matrixFor("rotate(5)"), AffineTransform::identity().rotated(0x1.657182p-4f));
   EXPECT_NE(matrixFor("rotate(5)"), AffineTransform::identity().rotated(5 * M_PI / 180));
-}
-
-TEST(TransformHelper, ParametersSplitOnBlanksAndReadLeniently) {
-  expectMaps(matrixFor("translate(10,20)"), {0, 0}, {10, 0});
-  expectMaps(matrixFor("translate(  10   20 )"), {0, 0}, {10, 20});
-  expectMaps(matrixFor("translate(1e1 2px)"), {0, 0}, {10, 2});
-  expectMaps(matrixFor("translate(abc 3)"), {0, 0}, {0, 3});
-}
-
-TEST(TransformHelper, WrongParameterCountsDropTheFunctionSilently) {
-  const AffineTransform translate5 = matrixFor("translate(5)");
-  for (const char* text :
-       {"rotate(90 10) translate(5)", "translate(5) rotate(90 10 10 10)",
-        "translate(1 2 3) translate(5)", "scale() translate(5)", "translate(5) matrix(1 0 0 1 5)",
-        "matrix(1 0 0 1 5 5 5)translate(5)", "scale(1 2 3)translate(5)"}) {
-    SCOPED_TRACE(text);
-    EXPECT_EQ(matrixFor(text), translate5);
-  }
-}
-
-TEST(TransformHelper, FunctionsAreSeparatedByBlanksOnly) {
-  const AffineTransform expected = matrixFor("translate(10) rotate(45)");
-  EXPECT_EQ(matrixFor("translate(10)rotate(45)"), expected);
-  EXPECT_EQ(matrixFor("translate(10)   rotate(45)   "), expected);
-  for (const char* text :
-       {"translate(10), rotate(45)", "translate(10)\trotate(45)", "translate(10)\nrotate(45)"}) {
-    SCOPED_TRACE(text);
-    EXPECT_EQ(errorFor(text), "Invalid transform function $functionName");
-  }
-}
-
-TEST(TransformHelper, UnknownNamesEndParsingWithTheLiteralMessage) {
-  for (const char* text : {"skewX(30)", "skewY(30)", " scale(2)", "Scale(2)", "SCALE(2)",
-                           "scale (2)", "scale(2) x", "scale(2) xyz", "scale(2) rotate", "(", ")",
-                           "x", "()", "scale(2) é", "translate(5) foo(1) scale(2)",
-                           // "(" with a combining mark is another character, not a "(".
-                           "scale(\u03012)"}) {
-    SCOPED_TRACE(text);
-    EXPECT_EQ(errorFor(text), "Invalid transform function $functionName");
-  }
-}
-
-TEST(TransformHelper, UnclosedParametersTakeOneCharacter) {
-  // Without ")" the parameter text is the one character after "(".
-  expectMaps(matrixFor("scale(22"), {1, 1}, {2, 2});
-  expectMaps(matrixFor("translate(12"), {0, 0}, {1, 0});
-  expectMaps(matrixFor("scale(2"), {1, 1}, {2, 2});
-  // Counted in characters, not bytes: the multi-byte "€" is that one character and reads as 0.
-  expectMaps(matrixFor("scale(€"), {1, 1}, {0, 0});
-  // The character after the parameter stands in for ")" and is skipped, whatever it is.
-  EXPECT_EQ(matrixFor("scale(23 rotate(90"), matrixFor("scale(2) rotate(9)"));
-  EXPECT_EQ(matrixFor("scale(23rotate(9"), matrixFor("scale(2) rotate(9)"));
-  EXPECT_EQ(errorFor("scale(234 rotate(9"), "Invalid transform function $functionName");
-  // A later ")" closes the parameters, however far away it is.
-  expectMaps(matrixFor("scale(22 translate(5)"), {1, 1}, {22, 0});
-}
-
-TEST(TransformHelper, TextEndingRightAfterAnOpeningParenthesisFailsToParse) {
-  for (const char* text : {"scale(", "rotate(", "matrix(", "translate(10) scale("}) {
-    SCOPED_TRACE(text);
-    EXPECT_EQ(errorFor(text), "Failed to parse transforms");
-  }
 }
 
 TEST(TransformFunctions, MissingFieldsReportTheirFunction) {
