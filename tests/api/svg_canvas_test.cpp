@@ -14,37 +14,28 @@ namespace {
 class RecordingRasterContext final : public RasterContext {
  public:
   struct Call {
-    std::string op;
-    std::string path;
+    std::string op, path;
     FillRule rule = FillRule::Winding;
     Color color;
     StrokeStyle style;
   };
-
-  void save() override { record("save"); }
-  void restore() override { record("restore"); }
-  void clip(const Path& path) override { record("clip").path = path.dump(); }
+  void save() override { add("save"); }
+  void restore() override { add("restore"); }
+  void clip(const Path& path) override { add("clip", path.dump()); }
   void fill(const Path& path, FillRule rule, const Color& color) override {
-    Call& call = record("fill");
-    call.path = path.dump();
-    call.rule = rule;
-    call.color = color;
+    add("fill", path.dump(), rule, color);
   }
   void stroke(const Path& path, const StrokeStyle& style, const Color& color) override {
-    Call& call = record("stroke");
-    call.path = path.dump();
-    call.color = color;
-    call.style = style;
+    add("stroke", path.dump(), FillRule::Winding, color, style);
   }
   Image image() const override { return Image(1, 1); }
 
   std::vector<Call> calls;
 
  private:
-  Call& record(std::string op) {
-    calls.emplace_back();
-    calls.back().op = std::move(op);
-    return calls.back();
+  void add(std::string op, std::string path = "", FillRule rule = FillRule::Winding,
+           Color color = {}, StrokeStyle style = {}) {
+    calls.push_back({std::move(op), std::move(path), rule, color, style});
   }
 };
 
@@ -58,56 +49,50 @@ Path triangle() {
 }
 
 constexpr Color kOrange{1, 0.5, 0, 0.25};  // the colour's own alpha never reaches the context
+constexpr const char* kTriangle = "M 0 0 L 10 0 L 10 10 Z";
 
-TEST(SVGCanvas, FillUsesTheRuleAndThePaintAlpha) {
+TEST(SVGCanvas, FillUsesTheRuleAndThePaintAlphaAndOtherPaintsDrawNothing) {
   RecordingRasterContext context;
   SVGCanvas canvas(context);
   canvas.drawPath(triangle(), FillPaint(kOrange, 255), std::nullopt);
   canvas.drawPath(triangle(), FillPaint(kOrange, 51), FillRule::EvenOdd);
+  canvas.drawPath(triangle(), Paint(), std::nullopt);
   ASSERT_EQ(context.calls.size(), 2u);
   EXPECT_EQ(context.calls[0].op, "fill");
-  EXPECT_EQ(context.calls[0].path, "M 0 0 L 10 0 L 10 10 Z");
+  EXPECT_EQ(context.calls[0].path, kTriangle);
   EXPECT_EQ(context.calls[0].rule, FillRule::Winding);
   EXPECT_EQ(context.calls[0].color, (Color{1, 0.5, 0, 1}));
+  EXPECT_EQ(context.calls[1].op, "fill");
   EXPECT_EQ(context.calls[1].rule, FillRule::EvenOdd);
   EXPECT_EQ(context.calls[1].color, (Color{1, 0.5, 0, 51 / 255.0}));
 }
 
 TEST(SVGCanvas, StrokeMapsWidthMiterCapAndJoinByName) {
-  struct Variant {
-    PaintStrokeCap cap;
-    PaintStrokeLineJoin join;
-    LineCap expectedCap;
-    LineJoin expectedJoin;
-  };
-  const Variant variants[] = {
-      {PaintStrokeCap::Butt, PaintStrokeLineJoin::Miter, LineCap::Butt, LineJoin::Miter},
-      {PaintStrokeCap::Round, PaintStrokeLineJoin::Bevel, LineCap::Round, LineJoin::Bevel},
-      {PaintStrokeCap::Square, PaintStrokeLineJoin::Round, LineCap::Square, LineJoin::Round},
-  };
-  for (const Variant& v : variants) {
-    SCOPED_TRACE(static_cast<int>(v.join));
-    RecordingRasterContext context;
-    SVGCanvas canvas(context);
+  using Cap = PaintStrokeCap;
+  using Join = PaintStrokeLineJoin;
+  const std::pair<Cap, Join> variants[] = {
+      {Cap::Butt, Join::Miter}, {Cap::Round, Join::Bevel}, {Cap::Square, Join::Round}};
+  RecordingRasterContext context;
+  SVGCanvas canvas(context);
+  for (const auto& [cap, join] : variants) {
     // A fill rule given with a stroke paint plays no part.
-    canvas.drawPath(triangle(), StrokePaint(kOrange, 128, 2.5f, 7.0f, v.cap, v.join),
+    canvas.drawPath(triangle(), StrokePaint(kOrange, 128, 2.5f, 7.0f, cap, join),
                     FillRule::EvenOdd);
-    ASSERT_EQ(context.calls.size(), 1u);
-    const auto& call = context.calls[0];
+  }
+  ASSERT_EQ(context.calls.size(), 3u);
+  const std::pair<LineCap, LineJoin> expected[] = {{LineCap::Butt, LineJoin::Miter},
+                                                   {LineCap::Round, LineJoin::Bevel},
+                                                   {LineCap::Square, LineJoin::Round}};
+  for (std::size_t i = 0; i < 3; ++i) {
+    const auto& call = context.calls[i];
     EXPECT_EQ(call.op, "stroke");
+    EXPECT_EQ(call.path, kTriangle);
     EXPECT_EQ(call.color, (Color{1, 0.5, 0, 128 / 255.0}));
     EXPECT_EQ(call.style.width, 2.5);
     EXPECT_EQ(call.style.miterLimit, 7.0);
-    EXPECT_EQ(call.style.cap, v.expectedCap);
-    EXPECT_EQ(call.style.join, v.expectedJoin);
+    EXPECT_EQ(call.style.cap, expected[i].first) << i;
+    EXPECT_EQ(call.style.join, expected[i].second) << i;
   }
-}
-
-TEST(SVGCanvas, OtherPaintsDrawNothing) {
-  RecordingRasterContext context;
-  SVGCanvas canvas(context);
-  canvas.drawPath(triangle(), Paint(), std::nullopt);
-  EXPECT_TRUE(context.calls.empty());
 }
 
 TEST(SVGCanvas, ClipAlwaysSavesFirstAndClipsOnlyWithAPath) {
@@ -118,9 +103,9 @@ TEST(SVGCanvas, ClipAlwaysSavesFirstAndClipsOnlyWithAPath) {
   canvas.clipPath(triangle());
   canvas.restoreClipPath();
   std::vector<std::string> ops;
-  for (const auto& call : context.calls) ops.push_back(call.op);
-  EXPECT_EQ(ops, (std::vector<std::string>{"save", "restore", "save", "clip", "restore"}));
-  EXPECT_EQ(context.calls[3].path, "M 0 0 L 10 0 L 10 10 Z");
+  for (const auto& call : context.calls) ops.push_back(call.op + " " + call.path);
+  EXPECT_EQ(ops, (std::vector<std::string>{"save ", "restore ", "save ",
+                                           std::string("clip ") + kTriangle, "restore "}));
 }
 
 }  // namespace

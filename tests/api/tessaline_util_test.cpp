@@ -17,20 +17,6 @@ namespace {
 using Texts = std::vector<std::string>;
 using testing::ProbeComponent;
 
-// Straight-alpha channels come back from 8-bit premultiplied pixels: allow one step of rounding.
-constexpr int kChannelTolerance = 1;
-
-void expectPixel(const Image& image, int x, int y, Rgba expected) {
-  SCOPED_TRACE(::testing::Message() << "pixel (" << x << ", " << y << ")");
-  const Rgba actual = image.pixel(x, y);
-  EXPECT_LE(std::abs(actual.r - expected.r), kChannelTolerance) << int(actual.r);
-  EXPECT_LE(std::abs(actual.g - expected.g), kChannelTolerance) << int(actual.g);
-  EXPECT_LE(std::abs(actual.b - expected.b), kChannelTolerance) << int(actual.b);
-  EXPECT_LE(std::abs(actual.a - expected.a), kChannelTolerance) << int(actual.a);
-}
-
-constexpr Rgba kTransparent{0, 0, 0, 0};
-
 TEST(TessalineUtil, DrawsEachTopLevelComponentWithTheDefinitionsBoxAndNoStyling) {
   const SVGFile file("");
   auto svg = std::make_shared<SVGDefinition>();
@@ -50,10 +36,7 @@ TEST(TessalineUtil, DrawsEachTopLevelComponentWithTheDefinitionsBoxAndNoStyling)
   const TessalineResponse response =
       TessalineUtil::loadSVGImage(TessalineRequest(file, svg, "key", 10, 1000));
   EXPECT_EQ(response.key(), "key");
-  ASSERT_TRUE(response.bitmap().has_value());
-  EXPECT_EQ(response.bitmap()->width(), 256);
-  EXPECT_EQ(response.bitmap()->height(), 256);
-  EXPECT_EQ(*response.bitmap(), Image(256, 256)) << "probes draw nothing";
+  EXPECT_EQ(response.bitmap(), Image(256, 256)) << "probes draw nothing";
   EXPECT_EQ(response.errors(), (Texts{"parse error", "drawing error", "another"}));
   for (const auto& probe : {first, quiet, empty, last}) {
     ASSERT_EQ(probe->boxes.size(), 1u);
@@ -62,18 +45,15 @@ TEST(TessalineUtil, DrawsEachTopLevelComponentWithTheDefinitionsBoxAndNoStyling)
     EXPECT_EQ(probe->styles[0], PresentationAttributes()) << "an empty set, not none";
   }
   EXPECT_TRUE(hidden->boxes.empty());
-}
 
-TEST(TessalineUtil, EmptyDefinitionGivesABlankImageAndItsParseErrors) {
-  const SVGFile file("");
-  auto svg = std::make_shared<SVGDefinition>();
+  // Nothing to draw: a blank image and the parse errors.
+  svg = std::make_shared<SVGDefinition>();
   svg->errorMessages = {"a", "b"};
-  const TessalineResponse response =
+  const TessalineResponse blank =
       TessalineUtil::loadSVGImage(TessalineRequest(file, svg, std::nullopt, 256, 256));
-  EXPECT_EQ(response.key(), std::nullopt);
-  ASSERT_TRUE(response.bitmap().has_value());
-  EXPECT_EQ(*response.bitmap(), Image(256, 256));
-  EXPECT_EQ(response.errors(), (Texts{"a", "b"}));
+  EXPECT_EQ(blank.key(), std::nullopt);
+  EXPECT_EQ(blank.bitmap(), Image(256, 256));
+  EXPECT_EQ(blank.errors(), (Texts{"a", "b"}));
 }
 
 // 128-unit boxes: one unit is two pixels.
@@ -107,80 +87,64 @@ constexpr const char* kDocument = R"svg(<svg xmlns="http://www.w3.org/2000/svg">
   </symbol>
 </svg>)svg";
 
-constexpr RasterBackend kBackends[] = {RasterBackend::Native, RasterBackend::Cairo};
+constexpr Rgba kClear{0, 0, 0, 0}, kBlack{0, 0, 0, 255}, kOrange{255, 128, 0, 255};
 
-TEST(Rendering, PaintsColoursAndOpacities) {
+// paints: 0.5 * 255 truncates to 127 and the colour stays at full intensity (straight alpha);
+// fill-opacity replaces opacity for the fill; a stroke alone does not fill the shape, and the
+// 20-pixel stroke is centred on x = 120.
+// clipped: the use's clip applies to the defs shape it draws, through the use's transform.
+// uses-paints: same boxes, so scale 1, then moved 64 units (128 pixels) to the right.
+// clip-through-symbol: the clip path is looked up in the symbol being drawn, which has no defs,
+// so the shape fails.
+// empty-transform-use: the scale is appended after a blank, and a list may not start with one.
+TEST(Rendering, PixelsAndErrorsOnBothBackends) {
+  struct Pixel {
+    int x, y;
+    Rgba rgba;
+  };
+  struct Case {
+    const char* key;
+    Texts errors;
+    std::vector<Pixel> pixels;  // none: the image must be blank
+  };
+  const Case cases[] = {
+      {"paints",
+       {},
+       {{60, 60, kOrange},
+        {160, 60, {0, 0, 255, 127}},
+        {60, 160, {0, 255, 0, 63}},
+        {120, 160, {255, 0, 0, 255}},
+        {160, 160, kClear},
+        {5, 5, kClear},
+        {250, 250, kClear}}},
+      {"clipped", {}, {{64, 64, kBlack}, {192, 64, kClear}, {64, 192, kBlack}, {192, 192, kClear}}},
+      {"uses-paints", {}, {{60 + 128, 60, kOrange}, {60, 60, kClear}}},
+      {"clip-through-symbol", {"Unable to find clip path for key"}, {}},
+      {"empty-transform-use", {"Invalid transform function $functionName"}, {}},
+  };
   const SVGFile file(kDocument);
-  for (const RasterBackend backend : kBackends) {
-    SCOPED_TRACE(backend == RasterBackend::Native ? "native" : "cairo");
-    const TessalineResponse response = file.getUIImageForKey("paints", backend);
-    ASSERT_TRUE(response.bitmap().has_value());
-    EXPECT_EQ(response.errors(), Texts{});
-    const Image& image = *response.bitmap();
-    expectPixel(image, 60, 60, {255, 128, 0, 255});
-    // 0.5 * 255 truncates to 127; the colour stays at full intensity (straight alpha).
-    expectPixel(image, 160, 60, {0, 0, 255, 127});
-    // fill-opacity replaces opacity for the fill.
-    expectPixel(image, 60, 160, {0, 255, 0, 63});
-    // A stroke and no fill: the shape is not filled. The 20-pixel stroke is centred on x = 120.
-    expectPixel(image, 120, 160, {255, 0, 0, 255});
-    expectPixel(image, 160, 160, kTransparent);
-    expectPixel(image, 5, 5, kTransparent);
-    expectPixel(image, 250, 250, kTransparent);
+  for (const RasterBackend backend : {RasterBackend::Native, RasterBackend::Cairo}) {
+    for (const Case& c : cases) {
+      SCOPED_TRACE(std::string(c.key) + (backend == RasterBackend::Native ? " native" : " cairo"));
+      const TessalineResponse response = file.getUIImageForKey(c.key, backend);
+      EXPECT_EQ(response.key(), c.key);
+      ASSERT_TRUE(response.bitmap().has_value());
+      EXPECT_EQ(response.errors(), c.errors);
+      if (c.pixels.empty()) {
+        EXPECT_EQ(*response.bitmap(), Image(256, 256));
+      }
+      for (const auto& [x, y, expected] : c.pixels) {
+        // Straight-alpha channels come back from 8-bit premultiplied pixels: allow one step.
+        const Rgba actual = response.bitmap()->pixel(x, y);
+        for (const auto& [got, want] : {std::pair{actual.r, expected.r},
+                                        {actual.g, expected.g},
+                                        {actual.b, expected.b},
+                                        {actual.a, expected.a}}) {
+          EXPECT_LE(std::abs(got - want), 1) << int(got) << " at pixel (" << x << ", " << y << ")";
+        }
+      }
+    }
   }
-}
-
-TEST(Rendering, ClipsByReferenceFromGroupsAndUses) {
-  const SVGFile file(kDocument);
-  for (const RasterBackend backend : kBackends) {
-    SCOPED_TRACE(backend == RasterBackend::Native ? "native" : "cairo");
-    const TessalineResponse response = file.getUIImageForKey("clipped", backend);
-    ASSERT_TRUE(response.bitmap().has_value());
-    EXPECT_EQ(response.errors(), Texts{});
-    const Image& image = *response.bitmap();
-    const Rgba black{0, 0, 0, 255};
-    expectPixel(image, 64, 64, black);
-    expectPixel(image, 192, 64, kTransparent);
-    // The use's clip applies to the defs shape it draws, through the use's transform.
-    expectPixel(image, 64, 192, black);
-    expectPixel(image, 192, 192, kTransparent);
-  }
-}
-
-TEST(Rendering, UsedSymbolIsPlacedByTheUseTransform) {
-  const SVGFile file(kDocument);
-  const TessalineResponse response = file.getUIImageForKey("uses-paints");
-  ASSERT_TRUE(response.bitmap().has_value());
-  EXPECT_EQ(response.errors(), Texts{});
-  // Same boxes: scale 1, then moved 64 units (128 pixels) to the right.
-  expectPixel(*response.bitmap(), 60 + 128, 60, {255, 128, 0, 255});
-  expectPixel(*response.bitmap(), 60, 60, kTransparent);
-}
-
-TEST(Rendering, ClipInheritedIntoAnotherSymbolIsLookedUpThere) {
-  // The clip path is looked up in the symbol being drawn, which has no defs: the shape fails.
-  const SVGFile file(kDocument);
-  const TessalineResponse response = file.getUIImageForKey("clip-through-symbol");
-  ASSERT_TRUE(response.bitmap().has_value());
-  EXPECT_EQ(response.errors(), Texts{"Unable to find clip path for key"});
-  EXPECT_EQ(*response.bitmap(), Image(256, 256));
-}
-
-TEST(Rendering, AnEmptyTransformAllowsScalingButNotParsing) {
-  // The scale is appended after a blank, and a list may not start with one.
-  const SVGFile file(kDocument);
-  const TessalineResponse response = file.getUIImageForKey("empty-transform-use");
-  ASSERT_TRUE(response.bitmap().has_value());
-  EXPECT_EQ(response.errors(), Texts{"Invalid transform function $functionName"});
-  EXPECT_EQ(*response.bitmap(), Image(256, 256));
-}
-
-TEST(Rendering, UnknownKey) {
-  const SVGFile file(kDocument);
-  const TessalineResponse response = file.getUIImageForKey("Paints");
-  EXPECT_EQ(response.key(), "Paints");
-  EXPECT_FALSE(response.bitmap().has_value());
-  EXPECT_EQ(response.errors(), Texts{"No SVG Definition found for key"});
 }
 
 }  // namespace
