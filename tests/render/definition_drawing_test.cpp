@@ -1,12 +1,13 @@
+// Drawing a whole definition into the box of the element that refers to it, and `use` elements,
+// which draw an element of their definition's `defs` or another symbol of the document.
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <cstdlib>
 #include <limits>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "geometry/basic_shapes.h"
 #include "parse/svg_component.h"
 #include "parse/svg_definition.h"
 #include "render/probe_component.h"
@@ -17,113 +18,165 @@
 namespace tessaline {
 namespace {
 
-using Texts = std::vector<std::string>;
-
 using testing::ProbeComponent;
+using Probe = std::shared_ptr<ProbeComponent>;
 
-TEST(ScaleFactorText, ShortestRoundTripWithAPointOrExponent) {
-  EXPECT_EQ(formatScaleFactor(1.0), "1.0");
-  EXPECT_EQ(formatScaleFactor(0.5), "0.5");
-  EXPECT_EQ(formatScaleFactor(2.0), "2.0");
-  EXPECT_EQ(formatScaleFactor(0.1), "0.1");
-  EXPECT_EQ(formatScaleFactor(1e20), "1e+20");
-  EXPECT_EQ(formatScaleFactor(std::numeric_limits<double>::infinity()), "inf");
-  EXPECT_EQ(formatScaleFactor(std::numeric_limits<double>::quiet_NaN()), "nan");
-  EXPECT_EQ(formatScaleFactor(-std::numeric_limits<double>::quiet_NaN()), "nan");
-  for (double value : {1.0 / 3.0, 2.0 / 3.0, 24.0 / 7.0, 123456789012345678.0, 1e-7, 1234.5}) {
-    SCOPED_TRACE(value);
-    const std::string text = formatScaleFactor(value);
-    EXPECT_EQ(std::strtod(text.c_str(), nullptr), value);
-    EXPECT_NE(text.find_first_of(".e"), std::string::npos);
-  }
+constexpr Rect kBox24{0, 0, 24, 24};
+
+Probe probe(std::optional<std::string> answer, std::optional<std::string> id = std::nullopt) {
+  return std::make_shared<ProbeComponent>(std::move(answer), std::move(id));
 }
 
-struct Fixture {
+std::shared_ptr<SVGDefinition> definitionOf(std::vector<std::shared_ptr<SVGComponent>> components) {
+  auto definition = std::make_shared<SVGDefinition>();
+  definition->svgComponents = std::move(components);
+  return definition;
+}
+
+PresentationAttributes styled(std::optional<std::string> fill,
+                              std::optional<std::string> transform) {
+  PresentationAttributes a;
+  a.fill = std::move(fill);
+  a.transform = std::move(transform);
+  return a;
+}
+
+// The drawing definition `owner` (box 24) has `defs` holding "a" twice, "b" and a clip path
+// "clip"; the document has symbols "a" (shadowed by the local one), "quiet" (no errors) and
+// "sym" (box 48, two parse errors, probes answering "first", nothing, "" and "last").
+struct Document {
   SVGFile file{""};
-  SVGDefinition definition;
-  std::shared_ptr<ProbeComponent> first = std::make_shared<ProbeComponent>("first");
-  std::shared_ptr<ProbeComponent> quiet = std::make_shared<ProbeComponent>(std::nullopt);
-  std::shared_ptr<ProbeComponent> empty = std::make_shared<ProbeComponent>("");
-  std::shared_ptr<ProbeComponent> last = std::make_shared<ProbeComponent>("last");
+  SVGDefinition owner;
+  Probe localA = probe("drew local a", "a"), localA2 = probe("second a", "a");
+  Probe symbolA = probe("drew symbol a");
+  Probe first = probe("first"), quiet = probe(std::nullopt), empty = probe(""),
+        last = probe("last");
+  std::shared_ptr<SVGDefinition> sym = definitionOf({first, quiet, empty, last});
   testing::RecordingCanvas canvas;
 
-  Fixture() {
-    definition.errorMessages = {"parse one", "parse two"};
-    definition.svgComponents = {first, quiet, empty, last};
+  Document() {
+    owner.viewBox = kBox24;
+    auto square = std::make_shared<RectComponent>("r", PresentationAttributes(), 0.f, 0.f, 4.f, 4.f,
+                                                  0.f, 0.f);
+    owner.svgSubDefinitions =
+        definitionOf({localA, localA2, probe("", "b"),
+                      std::make_shared<ClipPathComponent>("clip", definitionOf({square}))});
+    file.symbolDefinitions["a"] = definitionOf({symbolA});
+    file.symbolDefinitions["quiet"] = definitionOf({probe(std::nullopt)});
+    sym->viewBox = Rect{0, 0, 48, 48};
+    sym->errorMessages = {"parse one", "parse two"};
+    file.symbolDefinitions["sym"] = sym;
+  }
+
+  std::optional<std::string> drawUse(std::string href, std::string hrefLink,
+                                     const PresentationAttributes& own = {},
+                                     const PresentationAttributes* inherited = nullptr) {
+    return UseComponent("u", std::move(href), std::move(hrefLink), own)
+        .draw(canvas, kBox24, file, owner, inherited);
   }
 };
-
-TEST(DefinitionDrawing, ParseErrorsFirstThenNonEmptyDrawingErrorsInOrder) {
-  Fixture f;
-  PresentationAttributes inherited;
-  inherited.transform = "translate(1 2)";
-  EXPECT_EQ(f.definition.draw(f.canvas, f.file, &inherited, std::nullopt),
-            (Texts{"parse one", "parse two", "first", "last"}));
-  // Repeated on every draw.
-  EXPECT_EQ(f.definition.draw(f.canvas, f.file, nullptr, std::nullopt).size(), 4u);
-  for (const auto& probe : {f.first, f.quiet, f.empty, f.last}) {
-    ASSERT_EQ(probe->owners.size(), 2u);
-    EXPECT_EQ(probe->owners[0], &f.definition);
-  }
-  ASSERT_TRUE(f.first->styles[0] && f.first->styles[1]) << "always a set, empty when none given";
-  EXPECT_EQ(f.first->styles[0]->transform, "translate(1 2)");
-  EXPECT_EQ(f.first->styles[1]->transform, std::nullopt);
-  EXPECT_EQ(inherited.transform, "translate(1 2)") << "the caller's set is not changed";
-}
-
-TEST(DefinitionDrawing, NoComponentsGiveExactlyTheParseErrors) {
-  Fixture f;
-  f.definition.svgComponents.clear();
-  EXPECT_EQ(f.definition.draw(f.canvas, f.file, nullptr, Rect{0, 0, 24, 24}),
-            (Texts{"parse one", "parse two"}));
-  EXPECT_TRUE(f.canvas.calls.empty());
-}
 
 TEST(DefinitionDrawing, ScalesFromItsOwnBoxIntoTheOverride) {
   struct Case {
     const char* name;
-    std::optional<Rect> own;
-    std::optional<Rect> override;
+    std::optional<Rect> own, override;
     std::optional<std::string> transform;
     std::optional<Rect> expectedBox;
     std::optional<std::string> expectedTransform;
   };
-  const Rect box48{0, 0, 48, 48};
-  const Rect box24{0, 0, 24, 24};
+  const Rect box48{0, 0, 48, 48}, unit{0, 0, 1, 1}, huge{0, 0, 1e20, 1e-7};
+  const Rect wide{0, 0, 123456789012345678.0, 1};
   const Case cases[] = {
       {"no override", box48, std::nullopt, "translate(2,3)", box48, "translate(2,3)"},
-      {"both boxes", box48, box24, "translate(2,3)", box24, "translate(2,3) scale(0.5 0.5)"},
-      {"empty transform", box24, box48, "", box48, " scale(2.0 2.0)"},
+      {"both boxes", box48, kBox24, "translate(2,3)", kBox24, "translate(2,3) scale(0.5 0.5)"},
+      {"empty transform", kBox24, box48, "", box48, " scale(2.0 2.0)"},
       {"10 x 20 into 20 x 20", Rect{0, 0, 10, 20}, Rect{0, 0, 20, 20}, "", Rect{0, 0, 20, 20},
        " scale(2.0 1.0)"},
       {"origins play no part", Rect{10, 10, 24, 24}, Rect{-5, 7, 24, 24}, "", Rect{-5, 7, 24, 24},
        " scale(1.0 1.0)"},
-      {"magnitudes only", Rect{0, 0, -12, 24}, box24, "", box24, " scale(2.0 1.0)"},
-      {"zero-sized own box", Rect{0, 0, 0, 24}, box24, "", box24, " scale(inf 1.0)"},
-      {"override without own box", std::nullopt, box24, std::nullopt, box24, std::nullopt},
+      {"magnitudes only", Rect{0, 0, -12, 24}, kBox24, "", kBox24, " scale(2.0 1.0)"},
+      {"zero-sized own box", Rect{0, 0, 0, 24}, kBox24, "", kBox24, " scale(inf 1.0)"},
+      {"no sizes at all", Rect{}, Rect{}, "", Rect{}, " scale(nan nan)"},
+      // Factors print as the shortest text that reads back as the same double, always with a
+      // decimal point or an exponent.
+      {"shortest round trip", Rect{0, 0, 3, 7}, unit, "", unit,
+       " scale(0.3333333333333333 0.14285714285714285)"},
+      {"exponents", unit, huge, "", huge, " scale(1e+20 1e-07)"},
+      {"integral", unit, wide, "", wide, " scale(123456789012345680.0 1.0)"},
+      {"override without own box", std::nullopt, kBox24, std::nullopt, kBox24, std::nullopt},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    Fixture f;
-    f.definition.viewBox = c.own;
+    Document d;
+    d.sym->viewBox = c.own;
     PresentationAttributes inherited;
     inherited.transform = c.transform;
-    f.definition.draw(f.canvas, f.file, &inherited, c.override);
-    ASSERT_EQ(f.last->boxes.size(), 1u);
-    EXPECT_EQ(f.last->boxes[0], c.expectedBox);
-    EXPECT_EQ(f.last->styles[0]->transform, c.expectedTransform);
+    d.sym->draw(d.canvas, d.file, &inherited, c.override);
+    ASSERT_EQ(d.last->boxes.size(), 1u);
+    EXPECT_EQ(d.last->boxes[0], c.expectedBox);
+    EXPECT_EQ(d.last->styles[0]->transform, c.expectedTransform);
     EXPECT_EQ(inherited.transform, c.transform);
+  }
+  // Whatever the sign of a NaN, it carries no meaning here.
+  EXPECT_EQ(formatScaleFactor(-std::numeric_limits<double>::quiet_NaN()), "nan");
+  EXPECT_EQ(formatScaleFactor(std::numeric_limits<double>::quiet_NaN()), "nan");
+}
+
+TEST(UseReferences, LinkKeys) {
+  struct Case {
+    const char *href, *hrefLink, *expected;
+  };
+  const Case cases[] = {
+      {"#a", "#b", "drew local a"},  // href wins
+      {"a", "#b", ""},               // href without "#": hrefLink ("b" answers "")
+      {"#", "#a", "drew local a"},   // "#" alone names nothing
+      {"", "#a", "drew local a"},
+      {"#", "", "No link key found"},
+      {"", "#", "No link key found"},
+      {"other.svg#a", "", "No link key found"},
+      {"#missing", "#a", "No SVG found for href link"},
+      {"#A", "", "No SVG found for href link"},  // keys match exactly
+      {"#quiet", "", ""},                        // a symbol without errors gives the empty text
+      {"#clip", "", "Invalid Draw call to clip path"},  // never painted, not even through `use`
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.href) + " | " + c.hrefLink);
+    Document d;
+    EXPECT_EQ(d.drawUse(c.href, c.hrefLink), c.expected);
+    EXPECT_TRUE(d.canvas.calls.empty());
   }
 }
 
+TEST(UseReferences, LocalDefsTakeOwnStylingOnlySymbolsAreScaledWithMergedStyling) {
+  Document d;
+  const PresentationAttributes own = styled("#ff0000", std::nullopt);
+  const PresentationAttributes inherited = styled("#00ff00", "translate(3 3)");
+  EXPECT_EQ(d.drawUse("#a", "", own, &inherited), "drew local a");
+  // The first component with the id, not the symbol of the same name, nor the later duplicate.
+  EXPECT_TRUE(d.symbolA->boxes.empty());
+  EXPECT_TRUE(d.localA2->boxes.empty());
+  ASSERT_EQ(d.localA->boxes.size(), 1u);
+  EXPECT_EQ(d.localA->boxes[0], kBox24);
+  EXPECT_EQ(d.localA->owners[0], &d.owner);
+  EXPECT_EQ(d.localA->styles[0], own) << "inherited styling does not pass a local reference";
+
+  // Parse errors first, then the drawing errors that are not empty; repeated on every draw.
+  for (int draw = 0; draw < 2; ++draw) {
+    EXPECT_EQ(d.drawUse("#sym", "", own, &inherited), "parse one, parse two, first, last");
+  }
+  ASSERT_EQ(d.last->boxes.size(), 2u);
+  EXPECT_EQ(d.last->boxes[0], kBox24) << "drawn into the caller's box";
+  EXPECT_EQ(d.last->owners[0], d.sym.get());
+  EXPECT_EQ(d.last->styles[0], styled("#ff0000", "translate(3 3) scale(0.5 0.5)"));
+}
+
+// Scaling is appended to a transform and never invents one.
 TEST(DefinitionDrawingDeathTest, ScalingWithoutATransformStops) {
-  Fixture f;
-  f.definition.viewBox = Rect{0, 0, 48, 48};
-  EXPECT_DEATH(f.definition.draw(f.canvas, f.file, nullptr, Rect{0, 0, 24, 24}), "fatal error");
-  PresentationAttributes noTransform;
-  noTransform.fill = "#fff";
-  EXPECT_DEATH(f.definition.draw(f.canvas, f.file, &noTransform, Rect{0, 0, 24, 24}),
-               "fatal error");
+  Document d;
+  EXPECT_DEATH(d.sym->draw(d.canvas, d.file, nullptr, kBox24), "fatal error");
+  const PresentationAttributes noTransform = styled("#fff", std::nullopt);
+  EXPECT_DEATH(d.sym->draw(d.canvas, d.file, &noTransform, kBox24), "fatal error");
+  EXPECT_DEATH(d.drawUse("#sym", ""), "fatal error");
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 namespace tessaline::testing {
 
 // A component that records the box, the styling and the owner of each draw call, and answers
-// with a fixed text.
+// with a fixed text. Drawing is const; the records are not part of what the probe draws.
 class ProbeComponent final : public SVGComponent {
  public:
   explicit ProbeComponent(std::optional<std::string> answer,
@@ -25,7 +25,6 @@ class ProbeComponent final : public SVGComponent {
     return answer_;
   }
 
-  // Drawing is const; the records are not part of what the probe draws.
   mutable std::vector<std::optional<Rect>> boxes;
   mutable std::vector<std::optional<PresentationAttributes>> styles;
   mutable std::vector<const SVGDefinition*> owners;

@@ -9,35 +9,25 @@
 
 namespace tessaline::testing {
 
-// A canvas that draws nothing and records every call as a line of text, so tests can assert
-// which drawing decisions were made and in which order:
-//   "clip -"                      clipPath without a path (a save only)
-//   "clip M 0 0 L 2 0 ... Z"      clipPath with a path
-//   "fill winding M ..."          drawPath with a fill paint (rule as given, "default" if absent)
-//   "stroke M ..."                drawPath with a stroke paint
-//   "restore"                     restoreClipPath
+// A 256-pixel canvas that draws nothing and records each call as a line of text, so tests can
+// assert which drawing decisions were made and in which order: "clip -" (a save without a clip
+// path), "clip M 0 0 ... Z", "fill winding|evenodd|default M ...", "stroke M ...", "restore".
 class RecordingCanvas final : public SVGCanvasProtocol {
  public:
-  void initCanvas(int width, int height) override {
-    width_ = width;
-    height_ = height;
-  }
-  int getWidth() const override { return width_; }
-  int getHeight() const override { return height_; }
+  void initCanvas(int, int) override {}
+  int getWidth() const override { return 256; }
+  int getHeight() const override { return 256; }
 
-  void drawPath(const Path& path, const Paint& paint, std::optional<FillRule> fillRule) override {
+  void drawPath(const Path& path, const Paint& paint, std::optional<FillRule> rule) override {
+    std::string kind = "other";
     if (const auto* fill = dynamic_cast<const FillPaint*>(&paint)) {
-      const char* rule = !fillRule                        ? "default"
-                         : *fillRule == FillRule::Winding ? "winding"
-                                                          : "evenodd";
-      calls.push_back(std::string("fill ") + rule + " " + path.dump(3));
+      kind = !rule ? "fill default" : *rule == FillRule::Winding ? "fill winding" : "fill evenodd";
       fills.push_back(*fill);
     } else if (const auto* stroke = dynamic_cast<const StrokePaint*>(&paint)) {
-      calls.push_back("stroke " + path.dump(3));
+      kind = "stroke";
       strokes.push_back(*stroke);
-    } else {
-      calls.push_back("other " + path.dump(3));
     }
+    calls.push_back(kind + " " + path.dump(3));
   }
   void clipPath(const std::optional<Path>& path) override {
     calls.push_back(path ? "clip " + path->dump(3) : std::string("clip -"));
@@ -47,10 +37,6 @@ class RecordingCanvas final : public SVGCanvasProtocol {
   std::vector<std::string> calls;
   std::vector<FillPaint> fills;
   std::vector<StrokePaint> strokes;
-
- private:
-  int width_ = 256;
-  int height_ = 256;
 };
 
 }  // namespace tessaline::testing
