@@ -1,80 +1,60 @@
+// Usage and input/output errors of every command: exit status 2, nothing on standard output and
+// one line on standard error that names the problem.
 #include "command_test.h"
 
-#include <png.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
+#include <algorithm>
 
 namespace tessaline::testing {
+namespace {
 
-namespace fs = std::filesystem;
+class UsageErrors : public CommandTest {};
 
-std::vector<unsigned char> RgbaPng::pixel(int x, int y) const {
-  const auto* p = &rgba[(static_cast<std::size_t>(y) * width + x) * 4];
-  return {p[0], p[1], p[2], p[3]};
+TEST_F(UsageErrors, ExitTwoWithOneLine) {
+  const std::string sample = std::string(TESSALINE_TEST_DATA) + "/render/cli_sample.svg";
+  write("a-file", "x");
+  fs::create_directories(dir_ / "folder");
+  const std::pair<std::vector<std::string>, std::string> cases[] = {
+      {{"list"}, "FILE is required"},
+      {{"list", "missing.svg"}, "cannot read missing.svg"},
+      {{"list", "folder"}, "cannot read folder"},
+      {{"list", "--bogus", sample}, "--bogus"},
+      {{"inspect"}, "FILE is required"},
+      {{"inspect", "missing.svg"}, "cannot read missing.svg"},
+      {{"inspect", sample, "square", "extra"}, "extra"},
+      {{"render", sample}, "KEY is required"},
+      {{"render", "missing.svg", "square"}, "cannot read missing.svg"},
+      {{"render", sample, "square", "-o", "no/such/folder/out.png"},
+       "cannot write no/such/folder/out.png"},
+      {{"render", sample, "square", "--bogus"}, "--bogus"},
+      {{"render", sample, "square", "--backend", "gpu"}, "--backend"},
+      {{"render-all", sample}, "--output is required"},
+      {{"render-all", "missing.svg", "-o", "out"}, "cannot read missing.svg"},
+      {{"render-all", sample, "-o", "out", "-j", "0"}, "--jobs"},
+      {{"render-all", sample, "-o", "a-file"}, "cannot create a-file"},
+      {{"sheet", sample}, "--output is required"},
+      {{"sheet", "missing.svg", "-o", "s.png"}, "cannot read missing.svg"},
+      {{"sheet", sample, "-o", "s.png", "--columns", "0"}, "--columns"},
+      {{"sheet", sample, "-o", "s.png", "--cell", "8"}, "--cell"},
+      {{"sheet", sample, "-o", "s.png", "--cell", "big"}, "--cell"},
+      {{"sheet", sample, "-o", "no/such/folder/s.png"}, "cannot write no/such/folder/s.png"},
+      {{"sheet", sample, "-o", "folder"}, "cannot write folder"},
+      {{"report", sample}, "--output is required"},
+      {{"report", "missing.svg", "-o", "out"}, "cannot read missing.svg"},
+      {{"report", sample, "-o", "a-file"}, "cannot create a-file/images"},
+      {{"report", sample, "-o", "out", "-j", "0"}, "--jobs"},
+  };
+  for (const auto& [args, message] : cases) {
+    std::string label;
+    for (const auto& arg : args) label += arg + " ";
+    SCOPED_TRACE(label);
+    const CommandResult result = run(args);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_NE(result.err.find(message), std::string::npos) << result.err;
+    EXPECT_EQ(result.err.rfind("tessaline: ", 0), 0u) << result.err;
+    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+  }
 }
 
-RgbaPng::Pixel RgbaPng::at(int x, int y) const {
-  const auto* p = &rgba[(static_cast<std::size_t>(y) * width + x) * 4];
-  return {p[0], p[1], p[2], p[3]};
-}
-
-std::optional<RgbaPng> readRgbaPng(const fs::path& path) {
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  if (!png_image_begin_read_from_file(&image, path.c_str())) return std::nullopt;
-  image.format = PNG_FORMAT_RGBA;
-  RgbaPng png;
-  png.width = static_cast<int>(image.width);
-  png.height = static_cast<int>(image.height);
-  png.rgba.resize(PNG_IMAGE_SIZE(image));
-  if (!png_image_finish_read(&image, nullptr, png.rgba.data(), 0, nullptr)) return std::nullopt;
-  return png;
-}
-
-std::string readAll(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
-
-std::string shellQuote(const std::string& text) {
-  std::string quoted = "'";
-  for (char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return quoted + "'";
-}
-
-void CommandTest::SetUp() {
-  const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-  dir_ = fs::temp_directory_path() / ("tessaline_cli_" + std::to_string(::getpid()) + "_" +
-                                      info->test_suite_name() + "_" + info->name());
-  fs::remove_all(dir_);
-  fs::create_directories(dir_);
-}
-
-void CommandTest::TearDown() {
-  fs::remove_all(dir_);
-}
-
-fs::path CommandTest::write(const std::string& name, const std::string& text) {
-  std::ofstream(dir_ / name, std::ios::binary) << text;
-  return dir_ / name;
-}
-
-CommandResult CommandTest::run(const std::vector<std::string>& args, const std::string& input) {
-  write("stdin.txt", input);
-  std::string command =
-      "ulimit -f 400000; cd " + shellQuote(dir_.string()) + " && " + shellQuote(TESSALINE_COMMAND);
-  for (const auto& arg : args) command += " " + shellQuote(arg);
-  command += " <stdin.txt >stdout.txt 2>stderr.txt";
-  const int raw = std::system(command.c_str());
-  CommandResult result;
-  result.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-  result.out = readAll(dir_ / "stdout.txt");
-  result.err = readAll(dir_ / "stderr.txt");
-  return result;
-}
-
+}  // namespace
 }  // namespace tessaline::testing
