@@ -18,7 +18,6 @@ using Texts = std::vector<std::string>;
 
 constexpr Rgba kRed{255, 0, 0, 255};
 constexpr Rgba kBlue{0, 0, 255, 255};
-constexpr Rgba kBlack{0, 0, 0, 255};
 constexpr Rgba kTransparent{0, 0, 0, 0};
 
 struct Expected {
@@ -33,7 +32,7 @@ Expected expectedFor(HostileKind kind) {
       return {{}, {0x88, 0x88, 0x88, 255}};
     case HostileKind::ManySymbols:
     case HostileKind::LongPath:
-      return {{}, kBlack};
+      return {{}, {0, 0, 0, 255}};
     case HostileKind::DeepGroups:
       return {{}, kBlue};
     case HostileKind::DeepDefs:
@@ -49,28 +48,20 @@ Expected expectedFor(HostileKind kind) {
   return {};
 }
 
-void expectMarker(const SVGFile& file, const std::string& key) {
-  SCOPED_TRACE(key);
-  const TessalineResponse response = file.getUIImageForKey(key);
-  ASSERT_TRUE(response.bitmap().has_value());
-  EXPECT_EQ(response.errors(), Texts{});
-  EXPECT_EQ(response.bitmap()->pixel(128, 128), kRed);
-}
-
 TEST(HostileDocuments, ParseRenderAndFree) {
   for (const testing::HostileCase& c : testing::hostileCases()) {
     SCOPED_TRACE(std::string(c.name));
     std::optional<SVGFile> file(std::in_place, testing::makeHostileDocument(c.kind));
-
     // The whole document was read: the symbols before and after the hostile part are there.
-    expectMarker(*file, "first");
-    expectMarker(*file, "last");
-
-    const TessalineResponse response = file->getUIImageForKey(std::string(c.key));
-    ASSERT_TRUE(response.bitmap().has_value());
-    const Expected expected = expectedFor(c.kind);
-    EXPECT_EQ(response.errors(), expected.errors);
-    EXPECT_EQ(response.bitmap()->pixel(128, 128), expected.centre);
+    const std::pair<std::string, Expected> keys[] = {
+        {"first", {{}, kRed}}, {"last", {{}, kRed}}, {std::string(c.key), expectedFor(c.kind)}};
+    for (const auto& [key, expected] : keys) {
+      SCOPED_TRACE(key);
+      const TessalineResponse response = file->getUIImageForKey(key);
+      ASSERT_TRUE(response.bitmap().has_value());
+      EXPECT_EQ(response.errors(), expected.errors);
+      EXPECT_EQ(response.bitmap()->pixel(128, 128), expected.centre);
+    }
 
     if (c.kind == HostileKind::ManySymbols) {
       EXPECT_EQ(file->symbolDefinitions.size(), 100002u);
@@ -78,7 +69,7 @@ TEST(HostileDocuments, ParseRenderAndFree) {
     if (c.kind == HostileKind::LargeDocument) {
       EXPECT_GT(file->symbolDefinitions.size(), 40000u);
       // A sample across the table renders exactly like the first icon.
-      const Image reference = *response.bitmap();
+      const Image reference = *file->getUIImageForKey(std::string(c.key)).bitmap();
       std::size_t index = 0;
       for (const auto& [key, definition] : file->symbolDefinitions) {
         if (index++ % 4999 != 0 || key.starts_with("f") || key.starts_with("l")) continue;

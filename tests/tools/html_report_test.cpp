@@ -9,27 +9,18 @@ namespace tessaline::cli {
 namespace {
 
 TEST(EscapeHtml, EscapesMarkupAndRepairsInvalidUtf8) {
-  EXPECT_EQ(escapeHtml("a<b>&\"c'"), "a&lt;b&gt;&amp;&quot;c&#39;");
-  EXPECT_EQ(escapeHtml("plain-key_1"), "plain-key_1");
-  EXPECT_EQ(escapeHtml("caf\xC3\xA9 \xE2\x9C\x93 \xF0\x9F\x99\x82"),
-            "caf\xC3\xA9 \xE2\x9C\x93 \xF0\x9F\x99\x82");
-  const std::string replacement = "\xEF\xBF\xBD";
-  struct Case {
-    const char* label;
-    std::string input;
-    std::string expected;
+  const std::string bad = "\xEF\xBF\xBD";  // U+FFFD for each byte that is not valid UTF-8
+  const std::pair<std::string, std::string> cases[] = {
+      {"a<b>&\"c'", "a&lt;b&gt;&amp;&quot;c&#39;"},
+      {"plain-key_1", "plain-key_1"},
+      {"caf\xC3\xA9 \xE2\x9C\x93 \xF0\x9F\x99\x82", "caf\xC3\xA9 \xE2\x9C\x93 \xF0\x9F\x99\x82"},
+      {"a\x80z", "a" + bad + "z"},                  // lone continuation byte
+      {"a\xE2\x9C", "a" + bad + bad},               // truncated sequence at the end
+      {"\xC0\xBC", bad + bad},                      // overlong '<'
+      {"\xED\xA0\x80", bad + bad + bad},            // surrogate
+      {"\xF4\x90\x80\x80", bad + bad + bad + bad},  // past U+10FFFF
   };
-  const Case cases[] = {
-      {"lone continuation byte", "a\x80z", "a" + replacement + "z"},
-      {"truncated sequence at the end", "a\xE2\x9C", "a" + replacement + replacement},
-      {"overlong '<'", "\xC0\xBC", replacement + replacement},
-      {"surrogate", "\xED\xA0\x80", replacement + replacement + replacement},
-      {"past U+10FFFF", "\xF4\x90\x80\x80", replacement + replacement + replacement + replacement},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.label);
-    EXPECT_EQ(escapeHtml(c.input), c.expected);
-  }
+  for (const auto& [input, expected] : cases) EXPECT_EQ(escapeHtml(input), expected) << input;
 }
 
 TEST(EncodeUrlPath, EncodesPercentSignsOfImageNames) {

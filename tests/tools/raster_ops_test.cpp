@@ -8,49 +8,43 @@
 namespace tessaline::cli::raster {
 namespace {
 
-Image solid(int width, int height, Rgba colour) {
-  Image image(width, height);
-  fillRect(image, 0, 0, width, height, colour);
+constexpr Rgba kInk{0, 0, 0, 255};
+
+Image row(std::initializer_list<Rgba> pixels) {
+  Image image(static_cast<int>(pixels.size()), 1);
+  int x = 0;
+  for (const Rgba& pixel : pixels) image.setPixel(x++, 0, pixel);
   return image;
 }
 
 TEST(ResizeBoxFiltered, AveragesCoveredAreaOnPremultipliedColour) {
-  {
-    SCOPED_TRACE("opaque red beside faint blue: colour weighted by alpha");
-    Image source(2, 1);
-    source.setPixel(0, 0, {255, 0, 0, 255});
-    source.setPixel(1, 0, {0, 0, 255, 51});
-    // Premultiplied mean: r 127.5, b 25.5, a 153; back to straight alpha: r 212.5, b 42.5.
-    const Rgba mean = resizeBoxFiltered(source, 1, 1).pixel(0, 0);
-    EXPECT_EQ(mean.a, 153);
-    EXPECT_NEAR(mean.r, 212, 1);
-    EXPECT_EQ(mean.g, 0);
-    EXPECT_NEAR(mean.b, 42, 1);
-  }
-  {
-    SCOPED_TRACE("a colour beside transparency keeps its colour and loses alpha");
-    Image source(4, 4);
-    fillRect(source, 0, 0, 1, 4, {10, 200, 30, 255});
-    const Image half = resizeBoxFiltered(source, 2, 2);
-    EXPECT_EQ(half.pixel(0, 0), (Rgba{10, 200, 30, 128}));
-    EXPECT_EQ(half.pixel(1, 1), (Rgba{0, 0, 0, 0}));
-  }
-  {
-    SCOPED_TRACE("a ratio that is not a whole number shares boundary pixels by coverage");
-    Image source(3, 1);
-    source.setPixel(0, 0, {255, 255, 255, 255});
-    source.setPixel(1, 0, {255, 255, 255, 255});
-    // The first destination pixel covers source pixels 0 and half of 1: fully opaque; the second
-    // covers half of 1 and all of 2 (transparent): one third opaque.
-    const Image out = resizeBoxFiltered(source, 2, 1);
-    EXPECT_EQ(out.pixel(0, 0).a, 255);
-    EXPECT_EQ(out.pixel(1, 0).a, 85);
-  }
+  // Opaque red beside faint blue, colour weighted by alpha. Premultiplied mean: r 127.5,
+  // b 25.5, a 153; back to straight alpha: r 212.5, b 42.5.
+  const Rgba mean = resizeBoxFiltered(row({{255, 0, 0, 255}, {0, 0, 255, 51}}), 1, 1).pixel(0, 0);
+  EXPECT_EQ(mean.a, 153);
+  EXPECT_NEAR(mean.r, 212, 1);
+  EXPECT_EQ(mean.g, 0);
+  EXPECT_NEAR(mean.b, 42, 1);
+
+  // A colour beside transparency keeps its colour and loses alpha.
+  Image source(4, 4);
+  fillRect(source, 0, 0, 1, 4, {10, 200, 30, 255});
+  const Image half = resizeBoxFiltered(source, 2, 2);
+  EXPECT_EQ(half.pixel(0, 0), (Rgba{10, 200, 30, 128}));
+  EXPECT_EQ(half.pixel(1, 1), (Rgba{0, 0, 0, 0}));
+
+  // A ratio that is not a whole number shares boundary pixels by coverage: the first pixel
+  // covers source pixels 0 and half of 1, fully opaque; the second half of 1 and all of 2
+  // (transparent), one third opaque.
+  const Image out = resizeBoxFiltered(row({{255, 255, 255, 255}, {255, 255, 255, 255}, {}}), 2, 1);
+  EXPECT_EQ(out.pixel(0, 0).a, 255);
+  EXPECT_EQ(out.pixel(1, 0).a, 85);
 }
 
 TEST(ResizeBoxFiltered, KeepsUniformImagesUniformAtEverySize) {
   const Rgba colour{40, 90, 200, 180};
-  const Image source = solid(256, 256, colour);
+  Image source(256, 256);
+  fillRect(source, 0, 0, 256, 256, colour);
   for (const int size : {1, 7, 80, 96, 255, 256, 300}) {
     SCOPED_TRACE(size);
     const Image out = resizeBoxFiltered(source, size, size);
@@ -65,12 +59,8 @@ TEST(ResizeBoxFiltered, KeepsUniformImagesUniformAtEverySize) {
 }
 
 TEST(CompositeOver, BlendsByAlphaAndSkipsTransparency) {
-  Image target = solid(3, 1, {255, 255, 255, 255});
-  Image source(3, 1);
-  source.setPixel(0, 0, {0, 0, 0, 0});
-  source.setPixel(1, 0, {255, 0, 0, 255});
-  source.setPixel(2, 0, {0, 0, 0, 102});  // 40 % black
-  compositeOver(target, source, 0, 0);
+  Image target = row({{255, 255, 255, 255}, {255, 255, 255, 255}, {255, 255, 255, 255}});
+  compositeOver(target, row({{0, 0, 0, 0}, {255, 0, 0, 255}, {0, 0, 0, 102}}), 0, 0);  // 40 % black
   EXPECT_EQ(target.pixel(0, 0), (Rgba{255, 255, 255, 255}));
   EXPECT_EQ(target.pixel(1, 0), (Rgba{255, 0, 0, 255}));
   EXPECT_EQ(target.pixel(2, 0), (Rgba{153, 153, 153, 255}));
@@ -91,24 +81,24 @@ TEST(BitmapFont, FitsTextWithAnEllipsisAndReplacesWhatItCannotDraw) {
 }
 
 TEST(BitmapFont, DrawsGlyphsScaledAndClipsAtTheEdges) {
-  const Rgba ink{0, 0, 0, 255};
   Image image(12, 14);
-  BitmapFont::drawText(image, 0, 0, "|", ink, 2);
+  BitmapFont::drawText(image, 0, 0, "|", kInk, 2);
   // '|' is the middle column, all seven rows: x 4..5 at scale 2, y 0..13.
   for (int y = 0; y < 14; ++y) {
-    EXPECT_EQ(image.pixel(4, y), ink) << y;
-    EXPECT_EQ(image.pixel(5, y), ink) << y;
-    EXPECT_EQ(image.pixel(3, y).a, 0) << y;
-    EXPECT_EQ(image.pixel(6, y).a, 0) << y;
+    SCOPED_TRACE(y);
+    EXPECT_EQ(image.pixel(4, y), kInk);
+    EXPECT_EQ(image.pixel(5, y), kInk);
+    EXPECT_EQ(image.pixel(3, y).a, 0);
+    EXPECT_EQ(image.pixel(6, y).a, 0);
   }
-  // Drawn partly outside the image: only the visible part of 'H' lands, its bar on row 3.
+  // Drawn partly outside the image: only the visible part of 'H' lands, its bar on row 3 and
+  // its right stem in column 2.
   Image corner(3, 2);
-  BitmapFont::drawText(corner, -2, -3, "Hello", ink, 1);
-  EXPECT_EQ(corner.pixel(0, 0), ink);
-  EXPECT_EQ(corner.pixel(1, 0), ink);
-  EXPECT_EQ(corner.pixel(2, 0), ink);  // right stem
+  BitmapFont::drawText(corner, -2, -3, "Hello", kInk, 1);
+  for (const auto& [x, y] : {std::pair{0, 0}, {1, 0}, {2, 0}, {2, 1}}) {
+    EXPECT_EQ(corner.pixel(x, y), kInk) << x << "," << y;
+  }
   EXPECT_EQ(corner.pixel(0, 1).a, 0);
-  EXPECT_EQ(corner.pixel(2, 1), ink);
 }
 
 }  // namespace
