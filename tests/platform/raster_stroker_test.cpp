@@ -1,0 +1,185 @@
+// Strokes outlined by the native backend's stroker, then scan-converted: caps, joins, the miter
+// limit and degenerate subpaths.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "platform/raster_coverage_grid.h"
+
+namespace tessaline {
+namespace {
+
+using namespace raster_testing;
+
+// Strokes of known shapes: the area they cover in pixels, within `tolerance`, and some pixels'
+// coverage. Round caps, joins and dots are inscribed polygons, which lose at most the flattening
+// tolerance times their perimeter.
+void expectStroke(const char* name, const Path& path, const StrokeStyle& style, double area,
+                  double tolerance, const std::vector<Probe>& probes) {
+  SCOPED_TRACE(name);
+  const CoverageGrid grid = stroked(path, style);
+  if (!std::isnan(area)) {
+    EXPECT_NEAR(grid.area(), area, tolerance);
+  }
+  expectProbes(grid, probes);
+}
+
+constexpr LineCap kButt = LineCap::Butt, kSquare = LineCap::Square, kRound = LineCap::Round;
+constexpr double kUnchecked = std::numeric_limits<double>::quiet_NaN();
+
+TEST(RasterStroker, CapsAndJoins) {
+  const Path line = polyline({{10, 20}, {50, 20}});
+  for (const LineCap cap : {kButt, kSquare, kRound}) {  // the body is as wide as the stroke
+    expectStroke("body", line, {10, 4, cap}, kUnchecked, 0,
+                 {{30, 15, 255}, {30, 14, 0}, {30, 24, 255}, {30, 25, 0}});
+  }
+  expectStroke("butt caps end at the ends", line, {10, 4, kButt}, 400, 0, {{9, 20, 0}});
+  expectStroke("square caps extend by half the width", line, {10, 4, kSquare}, 500, 0,
+               {{5, 15, 255}, {4, 20, 0}});
+  // Inside the cap's half disc, not in the corner a square cap would fill.
+  expectStroke("round caps are half discs", line, {10, 4, kRound}, 400 + pi * 25,
+               10 * pi * kFlatteningTolerance,
+               {{6, 19, 255}, {5, 15, 0}, {53, 20, 255}, {55, 20, 0}});
+
+  // A right angle: miter length / width = 1/sin(45°) = 1.41421; past the limit the corner's
+  // triangle is cut off, exactly as a bevel cuts it.
+  const Path corner = polyline({{10, 50}, {50, 50}, {50, 10}});
+  expectStroke("a miter within its limit", corner, {10, 1.415}, 800, 0, {});
+  expectStroke("a miter past its limit", corner, {10, 1.414}, 787.5, 0.02, {});
+  EXPECT_EQ(stroked(corner, {10, 1.414}).area(),
+            stroked(corner, {10, 10, kButt, LineJoin::Bevel}).area());
+  expectStroke("round join", corner, {10, 4, kButt, LineJoin::Round}, 775 + pi * 25 / 4,
+               pi * 5 / 2 * kFlatteningTolerance, {});
+  // A sharp 30° corner: the ratio is 1/sin(15°) = 3.8637, so 4 mitres and 3.8 bevels; the miter
+  // tip lies 5 · 3.8637 = 19.3 px from the corner, at (118.7, 105).
+  const Path sharp =
+      polyline({{10, 100}, {100, 100}, {100 - 80 * std::cos(pi / 6), 100 - 80 * std::sin(pi / 6)}});
+  expectStroke("a sharp miter within its limit", sharp, {10, 4}, kUnchecked, 0, {{115, 104, 255}});
+  expectStroke("a sharp miter past its limit", sharp, {10, 3.8}, kUnchecked, 0,
+               {{115, 104, 0}, {97, 101, 255}});
+
+  // A circle stroked with any join stays round, without gaps.
+  const double r = 40;
+  std::vector<Probe> ring = {{64, 64, 0}};
+  for (int k = 0; k < 64; ++k) {
+    ring.push_back({static_cast<int>(std::floor(64 + r * std::cos(k * 2 * pi / 64))),
+                    static_cast<int>(std::floor(64 + r * std::sin(k * 2 * pi / 64))), 255});
+  }
+  for (LineJoin join : {LineJoin::Miter, LineJoin::Bevel, LineJoin::Round}) {
+    expectStroke("circle", makeOvalPath({64 - r, 64 - r, 2 * r, 2 * r}), {6, 4, kButt, join},
+                 pi * (43 * 43 - 37 * 37), 3, ring);
+  }
+}
+
+TEST(RasterStroker, ClosedAndDegenerateSubpaths) {
+  // The mitred start corner; the empty inside; no square cap sticking out at the start.
+  expectStroke("closed: joined at the start, no caps",
+               polyline({{10, 10}, {50, 10}, {50, 50}, {10, 50}}, true), {10, 4, kSquare}, 1600, 0,
+               {{5, 5, 255}, {30, 30, 0}, {4, 10, 0}});
+  expectStroke("back at the start unclosed: not joined there",
+               polyline({{10, 10}, {50, 10}, {50, 50}, {10, 50}, {10, 10}}), {10, 4, kButt}, 1575,
+               0, {{5, 5, 0}});
+  // The outline turns back at both ends (bevelled U-turns) and covers the segment once: edge
+  // pixels keep their partial coverage.
+  expectStroke("closed along one line", polyline({{10, 20.25}, {30, 20.25}, {50, 20.25}}, true),
+               {10, 4, kSquare}, 400, 0, {{30, 15, 191}, {30, 25, 64}, {9, 20, 0}});
+
+  // With no length, round caps draw a dot of the stroke width and others nothing.
+  const Path dot = polyline({{30, 30}, {30, 30}});
+  Path curve = polyline({{30, 30}});
+  curve.cubicTo({30, 30}, {30, 30}, {30, 30});
+  const double disc = pi * 36, tolerance = 12 * pi * kFlatteningTolerance;
+  expectStroke("zero-length line, round", dot, {12, 4, kRound}, disc, tolerance, {{30, 30, 255}});
+  expectStroke("zero-length line, butt", dot, {12, 4, kButt}, 0, tolerance, {{30, 30, 0}});
+  expectStroke("zero-length line, square", dot, {12, 4, kSquare}, 0, tolerance, {{30, 30, 0}});
+  expectStroke("closed single point, round", polyline({{30, 30}}, true), {12, 4, kRound}, disc,
+               tolerance, {{30, 30, 255}});
+  expectStroke("zero-length curve, round", curve, {12, 4, kRound}, disc, tolerance,
+               {{30, 30, 255}});
+  expectStroke("lone move, round", polyline({{30, 30}}), {12, 4, kRound}, 0, tolerance,
+               {{30, 30, 0}});
+}
+
+TEST(RasterStroker, ExactUTurnsGoRoundTheFront) {
+  // Exactly opposite directions give a cross product of +0 or -0; either way the round join
+  // must bulge forward, like a round cap, and leave no hole.
+  for (const bool closed : {false, true}) {
+    for (const Point tip : {Point{50, 20}, Point{10, 20}}) {
+      const Point other{60 - tip.x, 20};
+      SCOPED_TRACE(::testing::Message() << (closed ? "closed" : "open") << " tip " << tip.x);
+      const CoverageGrid grid =
+          stroked(polyline({other, tip, other}, closed), {10, 4, LineCap::Round, LineJoin::Round});
+      // Open, the path runs over its own stroke twice and its edge pixels count twice.
+      const double edgePixels = closed ? 0 : 2 * 40 + 2 * pi * 5;
+      EXPECT_GE(grid.area(), 400 + pi * 25 - 2 * pi * 5 * kFlatteningTolerance);
+      EXPECT_LE(grid.area(), 400 + pi * 25 + edgePixels / 2);
+      EXPECT_EQ(grid.at(tip.x > 30 ? 53 : 6, 20), 255);  // inside the rounded tip
+      for (int x = 6; x < 54; ++x) ASSERT_EQ(grid.at(x, 18), 255) << x;
+    }
+  }
+}
+
+TEST(RasterStroker, CapsOnCurvesFaceAlongTheTangent) {
+  // A quarter circle stroked as wide as its diameter, as icons draw rounded corners: its butt
+  // caps lie exactly on the lines through the centre, not tilted with the curve's end chords.
+  // The zero-length line first is what path builders put before an arc.
+  for (const LineCap cap : {LineCap::Butt, LineCap::Square}) {
+    SCOPED_TRACE(static_cast<int>(cap));
+    Path arc = polyline({{44, 64}, {44, 64}});
+    arc.addRelativeArc({64, 64}, 20, pi, pi / 2, AffineTransform::identity());
+    const CoverageGrid grid = stroked(arc, {40, 4, cap, LineJoin::Round});
+    const int reach = cap == LineCap::Square ? 20 : 0;  // square caps extend half the width
+    expectEveryPixel(grid,
+                     [&](int x, int y) { return y >= 64 + reach || x >= 64 + reach ? 0 : -1; });
+    expectProbes(grid, {{30, 63, 255}, {63, 30, 255}});
+  }
+}
+
+// Random zigzags, open and closed, with short segments, sharp turns and wide strokes. A stroke
+// covers at least every segment's rectangle (the inner sides of turns must not open gaps) and,
+// with round joins and caps, exactly the points within half the width of the polyline.
+TEST(RasterStroker, RandomPolylinesCoverExactlyTheirStrokedArea) {
+  std::mt19937 random(11);
+  const auto uniform = [&](double lo, double hi) {
+    return lo + (hi - lo) * (random() % 100000) / 100000.0;
+  };
+  // A pixel whose centre is farther than half its diagonal from the stroke's border lies wholly
+  // on one side; polygons for arcs stray inward by up to the flattening tolerance.
+  const double margin = std::sqrt(0.5) + kFlatteningTolerance + 0.01;
+  for (int n = 0; n < 60; ++n) {
+    std::vector<Point> points;
+    const int count = 2 + static_cast<int>(random() % 6);
+    for (int i = 0; i < count; ++i) points.push_back({uniform(20, 108), uniform(20, 108)});
+    const bool closed = n % 3 == 0;
+    const double width = uniform(1, 30), hw = width / 2;
+    const LineJoin join = static_cast<LineJoin>(n % 3);
+    const LineCap cap = join == LineJoin::Round ? LineCap::Round : LineCap::Butt;
+    SCOPED_TRACE(::testing::Message() << "polyline " << n << " width " << width << " join "
+                                      << static_cast<int>(join) << (closed ? " closed" : ""));
+    const CoverageGrid grid = stroked(polyline(points, closed), {width, 10, cap, join});
+    expectEveryPixel(grid, [&](int x, int y) {
+      const Point c{x + 0.5, y + 0.5};
+      double distance = 1e9;
+      bool inRectangle = false;
+      for (int s = 0; s < (closed ? count : count - 1); ++s) {
+        const Point a = points[s], b = points[(s + 1) % count];
+        distance = std::min(distance, distanceToSegment(c, a, b));
+        const double length = std::hypot(b.x - a.x, b.y - a.y);
+        const double along = ((c.x - a.x) * (b.x - a.x) + (c.y - a.y) * (b.y - a.y)) / length;
+        const double across =
+            std::abs((c.x - a.x) * (b.y - a.y) - (c.y - a.y) * (b.x - a.x)) / length;
+        inRectangle =
+            inRectangle || (along > margin && along < length - margin && across < hw - margin);
+      }
+      if (inRectangle || (join == LineJoin::Round && distance < hw - margin)) return 255;
+      // Bevels and round joins never reach beyond half the width; miters may.
+      return join != LineJoin::Miter && distance > hw + margin ? 0 : -1;
+    });
+  }
+}
+
+}  // namespace
+}  // namespace tessaline
