@@ -100,7 +100,7 @@ std::vector<Point> pointsOf(std::string_view text) {
 
 // Components are read by the lenient number reader, an empty one (between adjacent spaces) as 0.
 // How spaces and commas split the list is in parse/element_handlers_test.cpp and
-// api/svg_file_reading_test.cpp.
+// api/svg_file_test.cpp (SVGFileReading).
 TEST(PolygonComponent, ReadsEachComponentLeniently) {
   EXPECT_EQ(pointsOf("1  2 3"), (std::vector<Point>{{1, 0}, {2, 3}}));
   EXPECT_EQ(pointsOf("1.5px -2e1 abc 4"), (std::vector<Point>{{1.5, -20}, {0, 4}}));
