@@ -41,5 +41,18 @@ BENCHMARK_CAPTURE(renderSymbol, clip_path, std::string("clip-by-reference"))
     ->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(renderSymbol, use, std::string("use-symbol"))->Unit(benchmark::kMicrosecond);
 
+// What every render pays before and besides its geometry: an empty symbol (a fresh canvas, its
+// clearing and the image handed back) and one opaque square over the whole canvas (the same plus
+// painting every pixel once). Together they put a floor under any icon's time: the empty cost
+// plus the share of the canvas the icon paints times the difference.
+void renderFloor(benchmark::State& state, const std::string& content) {
+  const SVGFile file("<svg><symbol id='s' viewBox='0 0 16 16'>" + content + "</symbol></svg>");
+  for (auto _ : state) benchmark::DoNotOptimize(file.getUIImageForKey("s"));
+}
+
+BENCHMARK_CAPTURE(renderFloor, empty, std::string())->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(renderFloor, full_canvas, std::string("<rect width='16' height='16'/>"))
+    ->Unit(benchmark::kMicrosecond);
+
 }  // namespace
 }  // namespace tessaline::bench
