@@ -80,6 +80,12 @@ class CoverageRasterizer {
     return static_cast<std::uint8_t>((folded * 255 + kFullArea / 2) >> 17);
   }
 
+  // The coverage of a summed area under the fill rule the sweep was instantiated for.
+  template <bool EvenOdd>
+  static std::uint8_t coverageOf(std::uint32_t area) {
+    return EvenOdd ? evenOddCoverage(area) : nonZeroCoverage(area);
+  }
+
   // Cells are marked, summed and cleared in aligned groups of this many: an edge crossing a row
   // touches one to three cells, and four pixels fill one vector register in the painter.
   static constexpr int kGroup = 4;
@@ -102,7 +108,7 @@ class CoverageRasterizer {
     for (int i = 0; i < kGroup; ++i) {
       area += cells[i];
       cells[i] = 0;
-      coverage[i] = EvenOdd ? evenOddCoverage(area) : nonZeroCoverage(area);
+      coverage[i] = coverageOf<EvenOdd>(area);
     }
     return area;
   }
@@ -223,7 +229,7 @@ void CoverageRasterizer::sweepRow(int y, int bandRow, Sink& sink) {
       }
       if (start > x) {
         if (x > runStart) sink.varying(y, runStart, x - runStart, coverage + runStart);
-        const std::uint8_t c = EvenOdd ? evenOddCoverage(area) : nonZeroCoverage(area);
+        const std::uint8_t c = coverageOf<EvenOdd>(area);
         if (c != 0) sink.solid(y, x, start - x, c);
         runStart = start;
       }
@@ -233,7 +239,7 @@ void CoverageRasterizer::sweepRow(int y, int bandRow, Sink& sink) {
   }
   if (x > runStart) sink.varying(y, runStart, x - runStart, coverage + runStart);
   if (x < x1) {
-    const std::uint8_t c = EvenOdd ? evenOddCoverage(area) : nonZeroCoverage(area);
+    const std::uint8_t c = coverageOf<EvenOdd>(area);
     if (c != 0) sink.solid(y, x, x1 - x, c);
   }
 }
