@@ -6,6 +6,11 @@
 // straight-alpha pixels. Images with more colours are written as 8-bit RGBA. Rows are not
 // filtered: flat runs already repeat as they are.
 //
+// An icon of one colour takes its alpha as palette index, which the index rows get without any
+// lookup: 7-9 us less per icon (30 instead of 37-39 us over all bootstrap, tabler and fontawesome
+// icons, each encoded right after it was drawn). Its palette then holds every alpha up to the
+// highest instead of only those used, about 400 bytes more per icon (4.9 instead of 4.4-4.6 KB).
+//
 // ISA-L's deflate is several times faster than zlib's on this data; libdeflate's low levels were
 // slower than zlib here. Deflating the index rows of the 2078 bootstrap icons, in cache, one core,
 // each icon's rows deflated repeatedly (a first pass over rows not seen before takes longer, level
@@ -43,6 +48,8 @@ namespace {
 
 using detail::ColourTable;
 using detail::indexRows;
+using detail::inkIndexRows;
+using detail::Palette;
 
 constexpr int kDeflateLevel = 0;
 constexpr std::size_t kLevelBufferSize = ISAL_DEF_LVL0_DEFAULT;  // none at level 0
@@ -57,23 +64,35 @@ bool encodable(const Image& image) {
              static_cast<std::size_t>(image.width()) * static_cast<std::size_t>(image.height()) * 4;
 }
 
-// The image's rows, each after its filter-type byte (0, none): palette indices when `table` can
+// The image's rows, each after its filter-type byte (0, none): palette indices when the palette can
 // hold every colour, RGBA otherwise.
 struct FilteredRows {
   std::unique_ptr<std::uint8_t[]> bytes;
   std::size_t size = 0;
   bool indexed = false;
+  Palette palette;          // when indexed
   std::uint32_t adler = 1;  // Adler-32 of the bytes
 };
 
-FilteredRows filteredRows(const Image& image, ColourTable& table) {
+// Icons of one colour, nearly all of them, take the fast one-ink path; an image that turns out to
+// be anything else is gone over again by the general index building, and the time spent on the
+// first attempt is lost (at most what the one-ink path costs, a fraction of the encoding).
+bool indexedRows(const Image& image, FilteredRows& rows) {
+  if (inkIndexRows(image, rows.palette, rows.bytes.get(), rows.adler)) return true;
+  ColourTable table;
+  if (!indexRows(image, table, rows.bytes.get(), rows.adler)) return false;
+  rows.palette = table.palette();
+  return true;
+}
+
+FilteredRows filteredRows(const Image& image) {
   const auto width = static_cast<std::size_t>(image.width());
   const auto height = static_cast<std::size_t>(image.height());
   const std::uint8_t* rgba = image.bytes().data();
   FilteredRows rows;
   rows.size = height * (width + 1);
   rows.bytes = std::make_unique_for_overwrite<std::uint8_t[]>(rows.size);
-  rows.indexed = indexRows(image, table, rows.bytes.get(), rows.adler);
+  rows.indexed = indexedRows(image, rows);
   if (rows.indexed) return rows;
   rows.size = height * (4 * width + 1);
   rows.bytes = std::make_unique_for_overwrite<std::uint8_t[]>(rows.size);
@@ -142,12 +161,12 @@ std::optional<std::size_t> compress(const FilteredRows& rows, std::uint8_t* out,
 }
 
 std::optional<std::vector<std::uint8_t>> encode(const Image& image) {
-  ColourTable table;
-  const FilteredRows rows = filteredRows(image, table);
+  const FilteredRows rows = filteredRows(image);
   // One IDAT chunk holds the whole stream, and ISA-L counts its input in 32 bits.
   if (zlibBound(rows.size) > kMaxChunkLength) return std::nullopt;
 
-  const auto colours = static_cast<std::size_t>(rows.indexed ? table.count() : 0);
+  const Palette& palette = rows.palette;
+  const auto colours = static_cast<std::size_t>(rows.indexed ? palette.count : 0);
   const std::size_t before = sizeof kSignature + kChunkOverhead + 13 +
                              (rows.indexed ? 2 * kChunkOverhead + 4 * colours : 0) + 8;
   const std::size_t after = 4 + kChunkOverhead;  // the IDAT CRC and IEND
@@ -181,12 +200,12 @@ std::optional<std::vector<std::uint8_t>> encode(const Image& image) {
   });
   if (rows.indexed) {
     at = putChunk(at, "PLTE", 3 * colours, [&](std::uint8_t* data) {
-      for (int i = 0; i < table.count(); ++i, data += 3) {
-        std::memcpy(data, table.colour(i).data(), 3);
+      for (int i = 0; i < palette.count; ++i, data += 3) {
+        std::memcpy(data, palette.colour(i).data(), 3);
       }
     });
     at = putChunk(at, "tRNS", colours, [&](std::uint8_t* data) {
-      for (int i = 0; i < table.count(); ++i) *data++ = table.colour(i)[3];
+      for (int i = 0; i < palette.count; ++i) *data++ = palette.colour(i)[3];
     });
   }
   at = putChunk(at, "IDAT", *compressed, [](std::uint8_t*) {});  // deflated in place already
