@@ -48,6 +48,15 @@ struct Tail {
 };
 
 #if defined(__SSE2__)
+// The largest of the sixteen bytes of `bytes`.
+inline std::uint8_t largestByte(__m128i bytes) {
+  bytes = _mm_max_epu8(bytes, _mm_srli_si128(bytes, 8));
+  bytes = _mm_max_epu8(bytes, _mm_srli_si128(bytes, 4));
+  bytes = _mm_max_epu8(bytes, _mm_srli_si128(bytes, 2));
+  bytes = _mm_max_epu8(bytes, _mm_srli_si128(bytes, 1));
+  return static_cast<std::uint8_t>(_mm_cvtsi128_si32(bytes));
+}
+
 // 32 pixels at a time in 128-bit registers. A pixel fits when its RGB equals the ink where its
 // alpha is non-zero and 0 where it is zero; misfits are gathered in a register and looked at once
 // per row.
@@ -85,13 +94,7 @@ class InkBlock {
     return _mm_movemask_epi8(_mm_cmpeq_epi8(misfit_, _mm_setzero_si128())) == 0xFFFF;
   }
 
-  std::uint8_t highest() const {
-    alignas(16) std::uint8_t bytes[16];
-    _mm_store_si128(reinterpret_cast<__m128i*>(bytes), highest_);
-    std::uint8_t top = 0;
-    for (const std::uint8_t byte : bytes) top = byte > top ? byte : top;
-    return top;
-  }
+  std::uint8_t highest() const { return largestByte(highest_); }
 
  private:
   __m128i ink_ = _mm_setzero_si128();
@@ -144,11 +147,8 @@ class InkBlockAvx2 {
   TESSALINE_AVX2 inline bool fits() const { return _mm256_testz_si256(misfit_, misfit_) != 0; }
 
   TESSALINE_AVX2 inline std::uint8_t highest() const {
-    alignas(32) std::uint8_t bytes[32];
-    _mm256_store_si256(reinterpret_cast<__m256i*>(bytes), highest_);
-    std::uint8_t top = 0;
-    for (const std::uint8_t byte : bytes) top = byte > top ? byte : top;
-    return top;
+    return largestByte(
+        _mm_max_epu8(_mm256_castsi256_si128(highest_), _mm256_extracti128_si256(highest_, 1)));
   }
 
  private:

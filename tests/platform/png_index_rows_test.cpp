@@ -22,14 +22,23 @@ struct Built {
   std::vector<std::array<std::uint8_t, 4>> palette;
 };
 
-template <class Build>
-Built build(const Image& image, Build indexRowsVariant) {
+const Palette& paletteOf(const ColourTable& table) {
+  return table.palette();
+}
+const Palette& paletteOf(const Palette& palette) {
+  return palette;
+}
+
+// Runs one builder; `Table` is what it fills, a ColourTable for the general index rows and a
+// Palette for the one-ink rows.
+template <class Table, class Build>
+Built build(const Image& image, Build variant) {
   Built built;
-  ColourTable table;
+  Table table;
   built.rows.assign(static_cast<std::size_t>(image.height()) * (image.width() + 1), 0);
-  built.indexed = indexRowsVariant(image, table, built.rows.data(), built.checksum);
-  for (int i = 0; i < table.palette().count; ++i)
-    built.palette.push_back(table.palette().colour(i));
+  built.indexed = variant(image, table, built.rows.data(), built.checksum);
+  const Palette& palette = paletteOf(table);
+  for (int i = 0; i < palette.count; ++i) built.palette.push_back(palette.colour(i));
   return built;
 }
 
@@ -55,8 +64,8 @@ TEST(PngIndexRows, EveryBuildGivesTheSameRowsAndZlibsChecksum) {
     }
     SCOPED_TRACE(::testing::Message() << "trial " << trial << ", " << width << " x " << height);
 
-    const Built dispatched = build(image, indexRows);
-    const Built portable = build(image, indexRowsWithoutAvx2);
+    const Built dispatched = build<ColourTable>(image, indexRows);
+    const Built portable = build<ColourTable>(image, indexRowsWithoutAvx2);
     ASSERT_EQ(dispatched.indexed, portable.indexed);
     if (!portable.indexed) continue;  // the rows are unspecified then
     EXPECT_EQ(dispatched.rows, portable.rows);
@@ -66,16 +75,6 @@ TEST(PngIndexRows, EveryBuildGivesTheSameRowsAndZlibsChecksum) {
         adler32(0, nullptr, 0), portable.rows.data(), static_cast<uInt>(portable.rows.size())));
     EXPECT_EQ(portable.checksum, zlibs);
   }
-}
-
-template <class Build>
-Built buildInk(const Image& image, Build inkIndexRowsVariant) {
-  Built built;
-  Palette palette;
-  built.rows.assign(static_cast<std::size_t>(image.height()) * (image.width() + 1), 0);
-  built.indexed = inkIndexRowsVariant(image, palette, built.rows.data(), built.checksum);
-  for (int i = 0; i < palette.count; ++i) built.palette.push_back(palette.colour(i));
-  return built;
 }
 
 // One-ink images: the index is the alpha, the palette the ink at every alpha up to the highest,
@@ -105,8 +104,8 @@ TEST(PngInkRows, IndexIsTheAlphaAndAnyOtherPixelIsRefused) {
     }
     SCOPED_TRACE(::testing::Message() << "trial " << trial << ", " << width << " x " << height);
 
-    const Built dispatched = buildInk(image, inkIndexRows);
-    const Built portable = buildInk(image, inkIndexRowsWithoutAvx2);
+    const Built dispatched = build<Palette>(image, inkIndexRows);
+    const Built portable = build<Palette>(image, inkIndexRowsWithoutAvx2);
     ASSERT_TRUE(dispatched.indexed);
     ASSERT_TRUE(portable.indexed);
     EXPECT_EQ(dispatched.rows, portable.rows);
@@ -135,8 +134,8 @@ TEST(PngInkRows, IndexIsTheAlphaAndAnyOtherPixelIsRefused) {
                             {1, 2, 3, 200},
                             {static_cast<std::uint8_t>(ink ^ 1), 0, 0, 255}};
     image.setPixel(at % width, at / width, misfits[random() % (inked > 1 ? 4 : 2)]);
-    EXPECT_FALSE(buildInk(image, inkIndexRows).indexed) << "misfit at " << at;
-    EXPECT_FALSE(buildInk(image, inkIndexRowsWithoutAvx2).indexed) << "misfit at " << at;
+    EXPECT_FALSE(build<Palette>(image, inkIndexRows).indexed) << "misfit at " << at;
+    EXPECT_FALSE(build<Palette>(image, inkIndexRowsWithoutAvx2).indexed) << "misfit at " << at;
   }
 }
 
