@@ -64,7 +64,8 @@ class InkBlock {
  public:
   static constexpr std::size_t kPixels = 32;
 
-  void setInk(std::uint32_t ink) {
+  // The ink the row's pixels are held to; clears the verdict of the row before.
+  void startRow(std::uint32_t ink) {
     ink_ = _mm_set1_epi32(static_cast<int>(ink));
     misfit_ = _mm_setzero_si128();
   }
@@ -116,7 +117,7 @@ class InkBlockAvx2 {
         misfit_(_mm256_setzero_si256()),
         highest_(_mm256_setzero_si256()) {}
 
-  TESSALINE_AVX2 inline void setInk(std::uint32_t ink) {
+  TESSALINE_AVX2 inline void startRow(std::uint32_t ink) {
     ink_ = _mm256_set1_epi32(static_cast<int>(ink));
     misfit_ = _mm256_setzero_si256();
   }
@@ -162,7 +163,7 @@ class InkBlockAvx2 {
 // No blocks at all: every pixel goes through the tail.
 struct NoInkBlock {
   static constexpr std::size_t kPixels = 0;
-  void setInk(std::uint32_t) {}
+  void startRow(std::uint32_t) {}
   void build(const std::uint8_t*, std::uint8_t*, Adler32&) {}
   bool fits() const { return true; }
   std::uint8_t highest() const { return 0; }
@@ -176,7 +177,7 @@ bool inkRow(Block& block, const std::uint8_t* rgba, std::size_t width, std::uint
   out[0] = 0;
   adler.add(0);
   std::uint8_t* indices = out + 1;
-  block.setInk(ink);
+  block.startRow(ink);
   std::size_t x = 0;
   if constexpr (Block::kPixels > 0) {
     for (; x + Block::kPixels <= width; x += Block::kPixels) {
@@ -219,7 +220,7 @@ bool inkIndexRowsWith(const Image& image, Palette& palette, std::uint8_t* out,
   palette.count = highest + 1;
   palette.colours[0] = 0;
   for (std::uint32_t alpha = 1; alpha <= highest; ++alpha) {
-    palette.colours[alpha] = (ink & kRgbMask) | alpha << 24;
+    palette.colours[alpha] = ink | alpha << 24;
   }
   return true;
 }
