@@ -213,9 +213,10 @@ void CoverageRasterizer::sweepRow(int y, int bandRow, Sink& sink) {
   std::uint64_t* const bits = touched_.data() + static_cast<std::size_t>(bandRow) * words_;
   std::uint32_t area = 0;
   // Marked cells all lie inside the box, so the first marked group reaches x0 and the pixels
-  // left of it are never handed out even though their (zero) coverage is computed.
-  int x = box_.x0;   // first pixel of the row not yet handed out
-  int runStart = x;  // the pending varying run is [runStart, x)
+  // left of it are never handed out even though their (zero) coverage is computed. Each marked
+  // group goes out as a varying run of its own: merging neighbours would cost more bookkeeping
+  // per group than it saves the sink.
+  int x = box_.x0;  // first pixel of the row not yet handed out
   for (int w = 0; w < words_; ++w) {
     std::uint64_t word = bits[w];
     if (word == 0) continue;
@@ -228,16 +229,16 @@ void CoverageRasterizer::sweepRow(int y, int bandRow, Sink& sink) {
         continue;
       }
       if (start > x) {
-        if (x > runStart) sink.varying(y, runStart, x - runStart, coverage + runStart);
         const std::uint8_t c = coverageOf<EvenOdd>(area);
         if (c != 0) sink.solid(y, x, start - x, c);
-        runStart = start;
+        x = start;
       }
       area = sumGroup<EvenOdd>(row + start, area, coverage + start);
-      x = std::min(start + kGroup, x1);
+      const int end = std::min(start + kGroup, x1);
+      sink.varying(y, x, end - x, coverage + x);
+      x = end;
     } while (word != 0);
   }
-  if (x > runStart) sink.varying(y, runStart, x - runStart, coverage + runStart);
   if (x < x1) {
     const std::uint8_t c = coverageOf<EvenOdd>(area);
     if (c != 0) sink.solid(y, x, x1 - x, c);

@@ -82,6 +82,10 @@ class SolidPainter {
 #if defined(__SSE2__)
     // Four pixels at a time without branches; the same arithmetic as blend() below.
     const __m128i color = detail::colorLanes(color_);
+    if (!Masked && length == 4) {  // the rasterizer's usual run: one group of cells
+      detail::blendFour(out, color, coverage);
+      return;
+    }
     for (; i + 4 <= length; i += 4) {
       if constexpr (Masked) {
         std::uint8_t masked[4];
@@ -112,7 +116,11 @@ class SolidPainter {
       for (int i = 0; i < length; ++i) out[i] = color_;
       return;
     }
-    for (int i = 0; i + 4 < length; i += 4) std::memcpy(out + i, four, sizeof four);
+    int i = 0;
+    for (; i + 16 < length; i += 16) {  // the inside of a shape: long runs, four copies a turn
+      for (int k = 0; k < 16; k += 4) std::memcpy(out + i + k, four, sizeof four);
+    }
+    for (; i + 4 < length; i += 4) std::memcpy(out + i, four, sizeof four);
     std::memcpy(out + length - 4, four, sizeof four);
   }
 
