@@ -47,11 +47,17 @@ inline void spreadCoverages(const std::uint8_t* coverage, __m128i& firstTwo, __m
   lastTwo = _mm_unpackhi_epi32(lanes, lanes);
 }
 
+// The same from four coverages (at most 255) in 32-bit lanes, as the rasterizer sums them.
+inline void spreadCoverageLanes(__m128i coverages, __m128i& firstTwo, __m128i& lastTwo) {
+  __m128i lanes = _mm_packs_epi32(coverages, coverages);
+  lanes = _mm_unpacklo_epi16(lanes, lanes);
+  firstTwo = _mm_unpacklo_epi32(lanes, lanes);
+  lastTwo = _mm_unpackhi_epi32(lanes, lanes);
+}
+
 // Blends `color` (in 16-bit lanes, colorLanes) onto the four pixels at `pixels` with the
-// coverages at `coverage`.
-inline void blendFour(std::uint32_t* pixels, __m128i color, const std::uint8_t* coverage) {
-  __m128i firstTwo, lastTwo;
-  spreadCoverages(coverage, firstTwo, lastTwo);
+// coverages spread as spreadCoverages gives them.
+inline void blendFour(std::uint32_t* pixels, __m128i color, __m128i firstTwo, __m128i lastTwo) {
   const __m128i destination = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pixels));
   const __m128i zero = _mm_setzero_si128();
   if (_mm_movemask_epi8(_mm_cmpeq_epi32(destination, zero)) == 0xffff) {
@@ -65,6 +71,14 @@ inline void blendFour(std::uint32_t* pixels, __m128i color, const std::uint8_t* 
   const __m128i low = blendTwo(_mm_unpacklo_epi8(destination, zero), color, firstTwo);
   const __m128i high = blendTwo(_mm_unpackhi_epi8(destination, zero), color, lastTwo);
   _mm_storeu_si128(reinterpret_cast<__m128i*>(pixels), _mm_packus_epi16(low, high));
+}
+
+// Blends `color` (in 16-bit lanes, colorLanes) onto the four pixels at `pixels` with the
+// coverages at `coverage`.
+inline void blendFour(std::uint32_t* pixels, __m128i color, const std::uint8_t* coverage) {
+  __m128i firstTwo, lastTwo;
+  spreadCoverages(coverage, firstTwo, lastTwo);
+  blendFour(pixels, color, firstTwo, lastTwo);
 }
 
 // Four coverages times four mask values, each rounded as multiply255, into `out`.

@@ -48,19 +48,45 @@ inline __m128i runningSum(__m128i deltas, __m128i carry) {
   return _mm_add_epi32(deltas, carry);
 }
 
+// The sweep's state from one group of a row to the next: the summed area so far, in every lane.
+// Kept in a register, it is read out as a number only where the sweep needs it (a solid run).
+class GroupSweep {
+ public:
+  explicit GroupSweep(std::uint32_t area = 0) : carry_(_mm_set1_epi32(static_cast<int>(area))) {}
+
+  std::uint32_t area() const { return static_cast<std::uint32_t>(_mm_cvtsi128_si32(carry_)); }
+
+  // Sums the four cells at `cells` onto the area so far, clears them and returns their
+  // coverages under the fill rule, one per 32-bit lane.
+  template <bool EvenOdd>
+  __m128i next(std::uint32_t* cells) {
+    __m128i* const at = reinterpret_cast<__m128i*>(cells);
+    const __m128i sums = runningSum(_mm_loadu_si128(at), carry_);
+    _mm_storeu_si128(at, _mm_setzero_si128());
+    carry_ = _mm_shuffle_epi32(sums, 0xff);
+    return coverageOfAreas<EvenOdd>(sums);
+  }
+
+ private:
+  __m128i carry_;
+};
+
+// Writes four coverages (32-bit lanes, each at most 255) as bytes to coverage[0...3].
+inline void storeCoverages(__m128i coverages, std::uint8_t* coverage) {
+  // Coverage is at most 255, so the saturating packs keep every value.
+  const __m128i words = _mm_packs_epi32(coverages, _mm_setzero_si128());
+  const std::int32_t four = _mm_cvtsi128_si32(_mm_packus_epi16(words, words));
+  std::memcpy(coverage, &four, sizeof four);
+}
+
 // Sums the four cells at `cells` onto `area`, writes their coverage to `coverage[0...3]`,
 // clears the cells and returns the area after the last one.
 template <bool EvenOdd>
 inline std::uint32_t sumCellGroup(std::uint32_t* cells, std::uint32_t area,
                                   std::uint8_t* coverage) {
-  __m128i* const at = reinterpret_cast<__m128i*>(cells);
-  const __m128i sums = runningSum(_mm_loadu_si128(at), _mm_set1_epi32(static_cast<int>(area)));
-  _mm_storeu_si128(at, _mm_setzero_si128());
-  // Coverage is at most 255, so the saturating packs keep every value.
-  const __m128i words = _mm_packs_epi32(coverageOfAreas<EvenOdd>(sums), _mm_setzero_si128());
-  const std::int32_t four = _mm_cvtsi128_si32(_mm_packus_epi16(words, words));
-  std::memcpy(coverage, &four, sizeof four);
-  return static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_shuffle_epi32(sums, 0xff)));
+  GroupSweep sweep(area);
+  storeCoverages(sweep.next<EvenOdd>(cells), coverage);
+  return sweep.area();
 }
 
 #endif

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 #include "platform/geometry_types.h"
@@ -152,6 +153,57 @@ class CoverageRasterizer {
   // Sorts the edges by the band they start in, into order_ (bandStart_ indexes it by band).
   void bucketEdges(int bands);
 
+#if defined(__SSE2__)
+  using GroupSweep = detail::GroupSweep;
+  using GroupCoverages = __m128i;
+  static void storeCoverages(GroupCoverages coverages, std::uint8_t* coverage) {
+    detail::storeCoverages(coverages, coverage);
+  }
+#else
+  // The sweep's steps cell by cell, for targets without SSE2.
+  struct GroupCoverages {
+    std::uint8_t value[kGroup];
+  };
+  class GroupSweep {
+   public:
+    std::uint32_t area() const { return area_; }
+    template <bool EvenOdd>
+    GroupCoverages next(std::uint32_t* cells) {
+      GroupCoverages coverages;
+      area_ = sumGroupByCell<EvenOdd>(cells, area_, coverages.value);
+      return coverages;
+    }
+
+   private:
+    std::uint32_t area_ = 0;
+  };
+  static void storeCoverages(const GroupCoverages& coverages, std::uint8_t* coverage) {
+    std::memcpy(coverage, coverages.value, kGroup);
+  }
+#endif
+
+  // Hands the groups of row y to a sink that has no way of its own to take them (see sweep):
+  // each as a varying run of four, through the row of coverage bytes.
+  template <typename Sink>
+  struct VaryingGroups {
+    Sink& sink;
+    int y;
+    std::uint8_t* coverage;
+    void group(int x, GroupCoverages coverages) {
+      storeCoverages(coverages, coverage + x);
+      sink.varying(y, x, kGroup, coverage + x);
+    }
+  };
+
+  template <typename Sink>
+  static auto groupsOf(Sink& sink, int y, std::uint8_t* coverage) {
+    if constexpr (requires { sink.groupRow(y).group(0, GroupCoverages{}); }) {
+      return sink.groupRow(y);
+    } else {
+      return VaryingGroups<Sink>{sink, y, coverage};
+    }
+  }
+
   template <bool EvenOdd, typename Sink>
   void sweepBands(Sink& sink);
 
@@ -211,10 +263,11 @@ void CoverageRasterizer::sweepRow(int y, int bandRow, Sink& sink) {
   std::uint8_t* const coverage = coverage_.data();
   std::uint32_t* const row = cells_.data() + static_cast<std::size_t>(bandRow) * stride_;
   std::uint64_t* const bits = touched_.data() + static_cast<std::size_t>(bandRow) * words_;
-  std::uint32_t area = 0;
+  auto groups = groupsOf(sink, y, coverage);
+  GroupSweep sweep;
   // Marked cells all lie inside the box, so the first marked group reaches x0 and the pixels
   // left of it are never handed out even though their (zero) coverage is computed. Each marked
-  // group goes out as a varying run of its own: merging neighbours would cost more bookkeeping
+  // group goes out on its own: merging neighbours into longer runs would cost more bookkeeping
   // per group than it saves the sink.
   int x = box_.x0;  // first pixel of the row not yet handed out
   for (int w = 0; w < words_; ++w) {
@@ -229,18 +282,23 @@ void CoverageRasterizer::sweepRow(int y, int bandRow, Sink& sink) {
         continue;
       }
       if (start > x) {
-        const std::uint8_t c = coverageOf<EvenOdd>(area);
+        const std::uint8_t c = coverageOf<EvenOdd>(sweep.area());
         if (c != 0) sink.solid(y, x, start - x, c);
         x = start;
       }
-      area = sumGroup<EvenOdd>(row + start, area, coverage + start);
+      const GroupCoverages coverages = sweep.template next<EvenOdd>(row + start);
       const int end = std::min(start + kGroup, x1);
-      sink.varying(y, x, end - x, coverage + x);
+      if (start == x && end == start + kGroup) {
+        groups.group(start, coverages);
+      } else {  // a group cut by a side of the box
+        storeCoverages(coverages, coverage + start);
+        sink.varying(y, x, end - x, coverage + x);
+      }
       x = end;
     } while (word != 0);
   }
   if (x < x1) {
-    const std::uint8_t c = coverageOf<EvenOdd>(area);
+    const std::uint8_t c = coverageOf<EvenOdd>(sweep.area());
     if (c != 0) sink.solid(y, x, x1 - x, c);
   }
 }

@@ -74,6 +74,34 @@ class SolidPainter {
     }
   }
 
+#if defined(__SSE2__)
+  // What painting whole groups of four pixels of one row needs, as a value of its own so that
+  // the sweep keeps it in registers rather than reading the painter again after every store.
+  class GroupRow {
+   public:
+    GroupRow(PremultipliedPixel* pixels, __m128i color, TranslucentMarks* marks, int y)
+        : pixels_(pixels), color_(color), marks_(marks), y_(y) {}
+
+    // Paints pixels x...x + 3 with the coverages of the rasterizer's lanes, as varying() would.
+    void group(int x, __m128i coverages) {
+      if (marks_ != nullptr) marks_->mark(y_, x, 4);
+      __m128i firstTwo, lastTwo;
+      detail::spreadCoverageLanes(coverages, firstTwo, lastTwo);
+      detail::blendFour(pixels_ + x, color_, firstTwo, lastTwo);
+    }
+
+   private:
+    PremultipliedPixel* pixels_;
+    __m128i color_;
+    TranslucentMarks* marks_;  // null when the ink marks nothing
+    int y_;
+  };
+
+  GroupRow groupRow(int y) const requires(!Masked) {
+    return GroupRow(row(y), detail::colorLanes(color_), marking_ ? marks_ : nullptr, y);
+  }
+#endif
+
   void varying(int y, int x, int length, const std::uint8_t* coverage) {
     if (marking_) marks_->mark(y, x, length);
     PremultipliedPixel* out = row(y) + x;
@@ -82,10 +110,6 @@ class SolidPainter {
 #if defined(__SSE2__)
     // Four pixels at a time without branches; the same arithmetic as blend() below.
     const __m128i color = detail::colorLanes(color_);
-    if (!Masked && length == 4) {  // the rasterizer's usual run: one group of cells
-      detail::blendFour(out, color, coverage);
-      return;
-    }
     for (; i + 4 <= length; i += 4) {
       if constexpr (Masked) {
         std::uint8_t masked[4];
