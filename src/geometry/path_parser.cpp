@@ -1,6 +1,8 @@
 #include "geometry/path_parser.h"
 
 #include <array>
+#include <cstdint>
+#include <optional>
 #include <utility>
 
 #include "platform/fatal.h"
@@ -126,11 +128,22 @@ std::optional<float> PathParser::nextFloat() {
   if (currentChar >= text_.count()) return std::nullopt;
   const std::int64_t start = currentChar;
   std::int64_t end = start;
-  bool pointSeen = false;
+  bool pointSeen = false, negative = false;
+  // The digits are gathered on the way, so that the usual short decimal needs no second reading.
+  std::uint64_t integer = 0;
+  int digits = 0, fractionDigits = 0;
   for (; end < text_.count(); ++end) {
     const int code = text_.codeAt(end);
-    if (code == '-' && end == start) continue;
-    if (isDigit(code)) continue;
+    if (code == '-' && end == start) {
+      negative = true;
+      continue;
+    }
+    if (isDigit(code)) {
+      integer = integer * 10 + static_cast<std::uint64_t>(code - '0');
+      ++digits;
+      fractionDigits += pointSeen ? 1 : 0;
+      continue;
+    }
     if (code == '.' && !pointSeen) {
       pointSeen = true;
       continue;
@@ -141,6 +154,13 @@ std::optional<float> PathParser::nextFloat() {
   // is read again by whatever comes next.
   currentChar = end - 1;
   if (end == start) return std::nullopt;
+  // What was taken is a whole decimal as the lenient reading sees it, so its short form, where
+  // there is one, is the value that reading gives.
+  if (digits > 0) {
+    if (const std::optional<float> quick = shortDecimalValue(integer, digits, fractionDigits)) {
+      return negative ? -*quick : *quick;
+    }
+  }
   // "-", "." and "-." have no digit and read as 0: a present value, not an error.
   return readLenientFloat(text_.slice(start, end));
 }

@@ -52,14 +52,10 @@ long decimalMagnitude(std::string_view number) {
   return magnitude + exponent;
 }
 
-// The value of a plain decimal ("12", "0.375", no sign or exponent) of at most nine digits whose
-// digits, read as one integer m, stay within 2^24: m and 10^k (k <= 9) are then both exact
-// floats, so one correctly rounded division gives exactly what from_chars gives.
-// Path data is almost all such numbers; anything else is left to from_chars.
+// The value of a plain decimal ("12", "0.375", no sign or exponent) when shortDecimalValue
+// gives it. Path data is almost all such numbers; anything else is left to from_chars.
 std::optional<float> shortDecimal(std::string_view digits) {
-  static constexpr float kPowersOfTen[] = {1e0f, 1e1f, 1e2f, 1e3f, 1e4f,
-                                           1e5f, 1e6f, 1e7f, 1e8f, 1e9f};
-  std::uint32_t integer = 0;
+  std::uint64_t integer = 0;
   int fractionDigits = -1;  // -1 until the point
   int count = 0;
   for (const char c : digits) {
@@ -71,11 +67,17 @@ std::optional<float> shortDecimal(std::string_view digits) {
     integer = integer * 10 + static_cast<std::uint32_t>(c - '0');
     if (fractionDigits >= 0) ++fractionDigits;
   }
-  if (integer > (1u << 24)) return std::nullopt;
-  return static_cast<float>(integer) / kPowersOfTen[fractionDigits > 0 ? fractionDigits : 0];
+  return shortDecimalValue(integer, count, fractionDigits > 0 ? fractionDigits : 0);
 }
 
 }  // namespace
+
+std::optional<float> shortDecimalValue(std::uint64_t integer, int count, int fractionDigits) {
+  static constexpr float kPowersOfTen[] = {1e0f, 1e1f, 1e2f, 1e3f, 1e4f,
+                                           1e5f, 1e6f, 1e7f, 1e8f, 1e9f};
+  if (count > 9 || integer > (1u << 24)) return std::nullopt;
+  return static_cast<float>(integer) / kPowersOfTen[fractionDigits];
+}
 
 std::size_t scanDecimalPrefix(std::string_view text) {
   std::size_t i = 0;
