@@ -24,9 +24,10 @@ namespace tessaline {
 // The cells of a row are stored densely as a running difference, so that a prefix sum along the
 // row yields the covered area directly, and a bit per aligned group of four cells marks the
 // groups that hold anything. The sweep sums marked groups four cells at a time (in a vector
-// register where there is one) and hands them out as varying runs; the runs between marked
-// groups have constant coverage and are handed out as solid spans without being visited. The
-// sweep clears what it reads, so the buffers are reused from shape to shape.
+// register where there is one, the running area kept there too) and hands each out as it is
+// summed; the runs between marked groups have constant coverage and are handed out as solid
+// spans without being visited. The sweep clears what it reads, so the buffers are reused from
+// shape to shape.
 //
 // Coverage is exact for every pixel no two edges cross inside; where they do, the fill rule is
 // applied to the pixel's summed signed area (as every cell rasterizer does), so overlapping parts
@@ -57,6 +58,11 @@ class CoverageRasterizer {
   // through `sink.solid(y, x, length, coverage)` for runs of one coverage and
   // `sink.varying(y, x, length, coverages)` for runs that vary per pixel (coverages[0] is pixel
   // x; zeros may occur). Runs of zero coverage are skipped. Leaves the rasterizer empty.
+  //
+  // A sink that paints may also offer `sink.groupRow(y)`, a value whose `group(x, coverages)`
+  // takes the four pixels x...x + 3 of row y straight from the sum's vector lanes (x a multiple of
+  // kGroup, the group wholly inside the box); the sweep then hands it every whole group instead
+  // of a varying run of four, and keeps that value in registers for the row.
   template <typename Sink>
   void sweep(FillRule rule, Sink& sink) {
     if (rule == FillRule::EvenOdd) {
@@ -92,8 +98,9 @@ class CoverageRasterizer {
   static constexpr int kGroup = 4;
 
   // Adds the four cells at `cells` onto `area` in turn, writes each sum's coverage under the
-  // fill rule to coverage[0...3], clears the cells and returns the last sum. The sweep's step;
-  // vectorised where the target allows, with this cell-by-cell form as the reference.
+  // fill rule to coverage[0...3], clears the cells and returns the last sum. The sweep's step
+  // (the sweep takes it from GroupSweep, which this wraps); vectorised where the target allows,
+  // with this cell-by-cell form as the reference.
   template <bool EvenOdd>
   static std::uint32_t sumGroup(std::uint32_t* cells, std::uint32_t area, std::uint8_t* coverage) {
 #if defined(__SSE2__)
@@ -182,8 +189,8 @@ class CoverageRasterizer {
   }
 #endif
 
-  // Hands the groups of row y to a sink that has no way of its own to take them (see sweep):
-  // each as a varying run of four, through the row of coverage bytes.
+  // Hands the groups of row y to a sink without groupRow (see sweep): each as a varying run of
+  // four, through the row of coverage bytes.
   template <typename Sink>
   struct VaryingGroups {
     Sink& sink;
