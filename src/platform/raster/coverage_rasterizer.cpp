@@ -22,13 +22,6 @@ int pixelOf(int fixed) {
   return static_cast<int>(static_cast<unsigned>(fixed) / kOne);
 }
 
-// The height, within a row, at which a piece that starts at (xa, ya) and falls by `dydx` per unit
-// of x reaches the cell border `border`, rounded to the nearest 1/256 px and kept within [y, yb]
-// so that the heights of a piece's parts always sum to its own.
-int heightAtBorder(int xa, int ya, int border, int y, int yb, double dydx) {
-  return std::clamp(static_cast<int>(ya + (border - xa) * dydx + 0.5), y, yb);
-}
-
 // Brings a coordinate within ±kCoordinateLimit, where differences cannot overflow; false for NaN.
 bool tame(double& v) {
   if (std::isnan(v)) return false;
@@ -189,18 +182,9 @@ void CoverageRasterizer::renderEdge(const Edge& edge, int firstRow, int endRow) 
   for (;;) {
     const int rowBottom = std::min(bottom - row * kOne, kOne);
     const int xEnd = xAt(row * kOne + rowBottom);
-    const int col = pixelOf(x), colEnd = pixelOf(xEnd);
-    if (col == colEnd) {
+    const int col = pixelOf(x);
+    if (col == pixelOf(xEnd)) {
       addCell(cells, bits, col, sign * (rowBottom - y), (x - col * kOne) + (xEnd - col * kOne));
-    } else if (colEnd - col == 1 || col - colEnd == 1) {
-      // Into the neighbouring cell, as addRowPiece would take it but without its loop: most
-      // pieces of flattened curves that leave their cell end in the next one.
-      const int border = std::max(col, colEnd) * kOne;
-      const int yBorder = heightAtBorder(x, y, border, y, rowBottom, dydx);
-      if (yBorder != y)
-        addCell(cells, bits, col, sign * (yBorder - y), (x - col * kOne) + (border - col * kOne));
-      addCell(cells, bits, colEnd, sign * (rowBottom - yBorder),
-              (border - colEnd * kOne) + (xEnd - colEnd * kOne));
     } else {
       addRowPiece(cells, bits, x, y, xEnd, rowBottom, sign, dydx);
     }
@@ -228,7 +212,7 @@ void CoverageRasterizer::addRowPiece(std::uint32_t* cells, std::uint64_t* bits, 
       return;
     }
     const int border = step > 0 ? left + kOne : left;
-    const int yBorder = heightAtBorder(xa, ya, border, y, yb, dydx);
+    const int yBorder = std::clamp(static_cast<int>(ya + (border - xa) * dydx + 0.5), y, yb);
     if (yBorder != y) addCell(cells, bits, col, sign * (yBorder - y), (x - left) + (border - left));
     x = border;
     y = yBorder;
