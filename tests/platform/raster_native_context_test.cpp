@@ -236,34 +236,6 @@ TEST(RasterVectorPaths, SolidAndVaryingRunsMatchPixelByPixelSourceOver) {
   expectRunsMatchSourceOver<true>();
 }
 
-#if defined(__SSE2__)
-// The sweep paints whole groups straight from its summed lanes; they must come out as the same
-// coverages painted as a varying run, marks included.
-TEST(RasterVectorPaths, GroupsFromLanesPaintAsVaryingRuns) {
-  std::mt19937 random(23);
-  for (int trial = 0; trial < 20000; ++trial) {
-    const PremultipliedPixel color = randomPixel(random);
-    std::array<PremultipliedPixel, 8> lanes{}, runs{};
-    for (PremultipliedPixel& pixel : lanes) pixel = randomPixel(random);
-    runs = lanes;
-    std::array<std::uint8_t, 4> coverage{};
-    for (std::uint8_t& value : coverage) value = static_cast<std::uint8_t>(randomByte(random));
-    const __m128i coverages = _mm_setr_epi32(coverage[0], coverage[1], coverage[2], coverage[3]);
-    TranslucentMarks laneMarks(8, 1), runMarks(8, 1);
-    SolidPainter<false>(lanes.data(), 8, color, nullptr, &laneMarks)
-        .groupRow(0)
-        .group(4, coverages);
-    SolidPainter<false>(runs.data(), 8, color, nullptr, &runMarks)
-        .varying(0, 4, 4, coverage.data());
-    ASSERT_EQ(lanes, runs) << "trial " << trial;
-    std::vector<int> laneRuns, runRuns;
-    laneMarks.forEachRun(0, [&](int x, int count) { laneRuns.insert(laneRuns.end(), {x, count}); });
-    runMarks.forEachRun(0, [&](int x, int count) { runRuns.insert(runRuns.end(), {x, count}); });
-    ASSERT_EQ(laneRuns, runRuns) << "trial " << trial;
-  }
-}
-#endif
-
 // The native canvas converts to straight alpha only where a painter marked that a pixel may be
 // translucent and coloured; black paints mark nothing. Whatever order black and coloured paints,
 // opaque and translucent, overlap in, every pixel must still come out exactly converted.
