@@ -139,7 +139,7 @@ void CoverageRasterizer::addVertical(int x, double y0, double y1) {
 
 void CoverageRasterizer::addFixedEdge(int x0, int y0, int x1, int y1) {
   if (y0 == y1) return;
-  const Edge edge{x0, y0, x1, y1};
+  const Edge edge{x0, y0, x1, y1, static_cast<double>(x1 - x0) / (y1 - y0)};
   edges_.push_back(edge);
   minRow_ = std::min(minRow_, pixelOf(edge.top()));
   maxRow_ = std::max(maxRow_, pixelOf(edge.bottom() - 1));
@@ -168,8 +168,7 @@ void CoverageRasterizer::renderEdge(const Edge& edge, int firstRow, int endRow) 
   const int top = std::max(yTop, firstRow * kOne);
   const int bottom = std::min(yBottom, endRow * kOne);
   if (top >= bottom) return;
-  const double dxdy = static_cast<double>(xBottom - xTop) / (yBottom - yTop);
-  const double dydx = xBottom == xTop ? 0 : 1 / dxdy;
+  const double dxdy = edge.dxdy;  // the same from either end
   // x where the edge meets height y, rounded to the nearest 1/256 px (never below 0).
   const auto xAt = [&](int y) {
     return y == yBottom ? xBottom : static_cast<int>(xTop + (y - yTop) * dxdy + 0.5);
@@ -186,7 +185,7 @@ void CoverageRasterizer::renderEdge(const Edge& edge, int firstRow, int endRow) 
     if (col == pixelOf(xEnd)) {
       addCell(cells, bits, col, sign * (rowBottom - y), (x - col * kOne) + (xEnd - col * kOne));
     } else {
-      addRowPiece(cells, bits, x, y, xEnd, rowBottom, sign, dydx);
+      addRowPiece(cells, bits, x, y, xEnd, rowBottom, sign, dxdy);
     }
     if (row * kOne + rowBottom == bottom) return;
     ++row;
@@ -201,7 +200,10 @@ void CoverageRasterizer::renderEdge(const Edge& edge, int firstRow, int endRow) 
 // y within the row (0...256), crossing at least one cell border. The heights found at the
 // borders always sum to yb - ya, so the row's cover is exact whatever their rounding.
 void CoverageRasterizer::addRowPiece(std::uint32_t* cells, std::uint64_t* bits, int xa, int ya,
-                                     int xb, int yb, int sign, double dydx) {
+                                     int xb, int yb, int sign, double dxdy) {
+  // Only pieces that cross a border need the inverse slope; most rows of most edges stay in one
+  // cell and never pay for this division. A piece crossing a border is never vertical.
+  const double dydx = 1 / dxdy;
   const int step = xb > xa ? 1 : -1;
   const int colB = pixelOf(xb);
   int x = xa, y = ya;

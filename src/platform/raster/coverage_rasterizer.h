@@ -122,9 +122,12 @@ class CoverageRasterizer {
   }
 
  private:
-  // An edge clipped to the box, in 24.8 fixed point, y0 != y1, kept in its direction.
+  // An edge clipped to the box, in 24.8 fixed point, y0 != y1, kept in its direction. Its slope
+  // is divided out once when it is stored: an edge is walked once per band it spans, and the
+  // divisions of many edges overlap there where one edge's walk would wait for its own.
   struct Edge {
     int x0, y0, x1, y1;
+    double dxdy;  // (x1 - x0) / (y1 - y0)
     int top() const { return y0 < y1 ? y0 : y1; }
     int bottom() const { return y0 < y1 ? y1 : y0; }
   };
@@ -135,7 +138,7 @@ class CoverageRasterizer {
   void renderEdge(const Edge& edge, int firstRow, int endRow);
   // A piece of an edge inside one row that crosses cell borders; see renderEdge.
   void addRowPiece(std::uint32_t* cells, std::uint64_t* bits, int xa, int ya, int xb, int yb,
-                   int sign, double dydx);
+                   int sign, double dxdy);
 
   // Records an edge piece of height `dy` inside cell `col` of a row whose ends lie fx1 and fx2
   // from the cell's left side (their sum given as `fxSum`, in 1/256 px). The cell keeps the
