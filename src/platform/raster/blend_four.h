@@ -37,22 +37,25 @@ inline __m128i colorLanes(std::uint32_t color) {
   return _mm_unpacklo_epi8(packed, _mm_setzero_si128());
 }
 
-// Four 8-bit coverages at `coverage`, each widened over its pixel's four 16-bit lanes.
-inline void spreadCoverages(const std::uint8_t* coverage, __m128i& firstTwo, __m128i& lastTwo) {
-  std::int32_t four;
-  std::memcpy(&four, coverage, sizeof four);
-  __m128i lanes = _mm_unpacklo_epi8(_mm_cvtsi32_si128(four), _mm_setzero_si128());
-  lanes = _mm_unpacklo_epi16(lanes, lanes);
+// Four coverages in the low four 16-bit lanes of `words`, each widened over its pixel's four
+// 16-bit lanes.
+inline void spreadCoverageWords(__m128i words, __m128i& firstTwo, __m128i& lastTwo) {
+  const __m128i lanes = _mm_unpacklo_epi16(words, words);
   firstTwo = _mm_unpacklo_epi32(lanes, lanes);
   lastTwo = _mm_unpackhi_epi32(lanes, lanes);
 }
 
+// The same from four 8-bit coverages at `coverage`.
+inline void spreadCoverages(const std::uint8_t* coverage, __m128i& firstTwo, __m128i& lastTwo) {
+  std::int32_t four;
+  std::memcpy(&four, coverage, sizeof four);
+  spreadCoverageWords(_mm_unpacklo_epi8(_mm_cvtsi32_si128(four), _mm_setzero_si128()), firstTwo,
+                      lastTwo);
+}
+
 // The same from four coverages (at most 255) in 32-bit lanes, as the rasterizer sums them.
 inline void spreadCoverageLanes(__m128i coverages, __m128i& firstTwo, __m128i& lastTwo) {
-  __m128i lanes = _mm_packs_epi32(coverages, coverages);
-  lanes = _mm_unpacklo_epi16(lanes, lanes);
-  firstTwo = _mm_unpacklo_epi32(lanes, lanes);
-  lastTwo = _mm_unpackhi_epi32(lanes, lanes);
+  spreadCoverageWords(_mm_packs_epi32(coverages, coverages), firstTwo, lastTwo);
 }
 
 // Blends `color` (in 16-bit lanes, colorLanes) onto the four pixels at `pixels` with the

@@ -79,16 +79,6 @@ inline void storeCoverages(__m128i coverages, std::uint8_t* coverage) {
   std::memcpy(coverage, &four, sizeof four);
 }
 
-// Sums the four cells at `cells` onto `area`, writes their coverage to `coverage[0...3]`,
-// clears the cells and returns the area after the last one.
-template <bool EvenOdd>
-inline std::uint32_t sumCellGroup(std::uint32_t* cells, std::uint32_t area,
-                                  std::uint8_t* coverage) {
-  GroupSweep sweep(area);
-  storeCoverages(sweep.next<EvenOdd>(cells), coverage);
-  return sweep.area();
-}
-
 #endif
 
 }  // namespace tessaline::detail

@@ -98,16 +98,13 @@ class CoverageRasterizer {
   static constexpr int kGroup = 4;
 
   // Adds the four cells at `cells` onto `area` in turn, writes each sum's coverage under the
-  // fill rule to coverage[0...3], clears the cells and returns the last sum. The sweep's step
-  // (the sweep takes it from GroupSweep, which this wraps); vectorised where the target allows,
-  // with this cell-by-cell form as the reference.
+  // fill rule to coverage[0...3], clears the cells and returns the last sum: one step of the
+  // sweep (GroupSweep, vectorised where the target allows), with sumGroupByCell as its reference.
   template <bool EvenOdd>
   static std::uint32_t sumGroup(std::uint32_t* cells, std::uint32_t area, std::uint8_t* coverage) {
-#if defined(__SSE2__)
-    return detail::sumCellGroup<EvenOdd>(cells, area, coverage);
-#else
-    return sumGroupByCell<EvenOdd>(cells, area, coverage);
-#endif
+    GroupSweep sweep(area);
+    storeCoverages(sweep.template next<EvenOdd>(cells), coverage);
+    return sweep.area();
   }
 
   template <bool EvenOdd>
@@ -176,6 +173,7 @@ class CoverageRasterizer {
   };
   class GroupSweep {
    public:
+    explicit GroupSweep(std::uint32_t area = 0) : area_(area) {}
     std::uint32_t area() const { return area_; }
     template <bool EvenOdd>
     GroupCoverages next(std::uint32_t* cells) {
@@ -185,7 +183,7 @@ class CoverageRasterizer {
     }
 
    private:
-    std::uint32_t area_ = 0;
+    std::uint32_t area_;
   };
   static void storeCoverages(const GroupCoverages& coverages, std::uint8_t* coverage) {
     std::memcpy(coverage, coverages.value, kGroup);
