@@ -42,47 +42,47 @@ Path arc(Point center, double radius, double start, double delta, std::optional<
 // The arc starts with a move, or a line from the current point; a zero delta adds only that.
 // Ovals start at the right and run through increasing angle (toward +y first); a zero-size one is
 // still a closed outline. Rounded rectangles start where the top edge leaves the top-left corner;
-// a radius that is zero, negative or NaN gives sharp corners.
+// a radius that is zero, negative or NaN gives sharp corners. Negative sizes describe the same
+// rectangle.
 TEST(Path, ArcsOvalsAndRoundedRectsHaveThePlatformsOutline) {
   struct Case {
     Path path;
     int precision;  // digits after the point in the dump, 0 for all
-    const char* dump;
+    std::string dump;
   };
   const std::string sharp = "M 1 2 L 11 2 L 11 22 L 1 22 Z";
+  const std::string oval =
+      "M 18 22 C 18 23.104569 16.209139 24 14 24 C 11.790861 24 10 23.104569 10 22 "
+      "C 10 20.895431 11.790861 20 14 20 C 16.209139 20 18 20.895431 18 22 Z";
+  const std::string rounded =
+      "M 4 2 L 8 2 C 9.656854 2 11 3.343146 11 5 L 11 19 C 11 20.656854 9.656854 22 8 22 "
+      "L 4 22 C 2.343146 22 1 20.656854 1 19 L 1 5 C 1 3.343146 2.343146 2 4 2 Z";
   const Case cases[] = {
       {arc({0, 0}, 10, 0, M_PI / 2), 6, "M 10 0 C 10 5.522847 5.522847 10 0 10"},
       {arc({0, 0}, 10, 0, M_PI / 2, Point{-5, -5}), 6,
        "M -5 -5 L 10 0 C 10 5.522847 5.522847 10 0 10"},
       {arc({5, 5}, 2, M_PI, 0, Point{0, 0}), 0, "M 0 0 L 3 5"},
-      {makeOvalPath({10, 20, 8, 4}), 6,
-       "M 18 22 C 18 23.104569 16.209139 24 14 24 C 11.790861 24 10 23.104569 10 22 "
-       "C 10 20.895431 11.790861 20 14 20 C 16.209139 20 18 20.895431 18 22 Z"},
+      {makeOvalPath({10, 20, 8, 4}), 6, oval},
+      {makeOvalPath({18, 24, -8, -4}), 6, oval},  // negative sizes: the same rectangle
+      {makeOvalPath({10, 24, 8, -4}), 6, oval},
       {makeOvalPath({5, 5, 0, 0}), 0,
        "M 5 5 C 5 5 5 5 5 5 C 5 5 5 5 5 5 C 5 5 5 5 5 5 C 5 5 5 5 5 5 Z"},
-      {makeRoundedRectPath({1, 2, 10, 20}, 3), 6,
-       "M 4 2 L 8 2 C 9.656854 2 11 3.343146 11 5 L 11 19 C 11 20.656854 9.656854 22 8 22 "
-       "L 4 22 C 2.343146 22 1 20.656854 1 19 L 1 5 C 1 3.343146 2.343146 2 4 2 Z"},
-      {makeRoundedRectPath({1, 2, 10, 20}, 0), 0, sharp.c_str()},
-      {makeRoundedRectPath({1, 2, 10, 20}, -2), 0, sharp.c_str()},
-      {makeRoundedRectPath({1, 2, 10, 20}, std::nan("")), 0, sharp.c_str()},
+      {makeRoundedRectPath({1, 2, 10, 20}, 3), 6, rounded},
+      {makeRoundedRectPath({11, 22, -10, -20}, 3), 6, rounded},
+      {makeRoundedRectPath({1, 2, 10, 20}, 0), 0, sharp},
+      {makeRoundedRectPath({1, 2, 10, 20}, -2), 0, sharp},
+      {makeRoundedRectPath({1, 2, 10, 20}, std::nan("")), 0, sharp},
   };
   for (const Case& c : cases) EXPECT_EQ(c.path.dump(c.precision), c.dump);
-  // The oval's points on its axes are exact.
-  const Path oval = makeOvalPath({10, 20, 8, 4});
-  const Point onAxes[] = {{18, 22}, {14, 24}, {10, 22}, {14, 20}, {18, 22}};
-  for (int i = 0; i < 5; ++i) EXPECT_EQ(oval.points()[3 * i], onAxes[i]);
-}
-
-TEST(Path, NegativeSizesDescribeTheSameRectangleAndRadiiAreClamped) {
-  EXPECT_EQ(makeOvalPath({18, 24, -8, -4}), makeOvalPath({10, 20, 8, 4}));
-  EXPECT_EQ(makeOvalPath({10, 24, 8, -4}), makeOvalPath({10, 20, 8, 4}));
-  EXPECT_EQ(makeRoundedRectPath({11, 22, -10, -20}, 3), makeRoundedRectPath({1, 2, 10, 20}, 3));
-  // At most half the shorter side: on a 10-wide rectangle the top and bottom edges vanish.
-  const Path pill = makeRoundedRectPath({0, 0, 10, 20}, 5);
-  EXPECT_EQ(makeRoundedRectPath({0, 0, 10, 20}, 100), pill);
+  // Radii are at most half the shorter side: on a 10-wide rectangle the top edge vanishes.
+  const Path pill = makeRoundedRectPath({0, 0, 10, 20}, 100);
+  EXPECT_EQ(pill, makeRoundedRectPath({0, 0, 10, 20}, 5));
   EXPECT_EQ(pill.points()[0], (Point{5, 0}));
   EXPECT_EQ(pill.points()[1], (Point{5, 0}));
+  // The oval's points on its axes are exact.
+  const Path ovalPath = makeOvalPath({10, 20, 8, 4});
+  const Point onAxes[] = {{18, 22}, {14, 24}, {10, 22}, {14, 20}, {18, 22}};
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(ovalPath.points()[3 * i], onAxes[i]);
 }
 
 TEST(Path, ArcsUseAtMostAQuarterTurnPerCubic) {

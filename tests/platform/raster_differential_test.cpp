@@ -4,23 +4,22 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <functional>
-#include <numbers>
-#include <optional>
 #include <random>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "platform/raster_context.h"
+#include "platform/raster_coverage_grid.h"
 #include "support/test_support.h"
 #include "tessaline/tessaline.h"
 
 namespace tessaline {
 namespace {
+
+using raster_testing::pi;
+using raster_testing::polyline;
 
 constexpr int kSize = 128;
 
@@ -31,16 +30,15 @@ constexpr int kEdgeNoise = 32;
 // How close the native rendering must stay to cairo's; compared premultiplied, so that colours
 // under near-zero alpha do not count.
 struct Bounds {
-  std::optional<int> max = {};  // largest difference of a premultiplied channel
-  double mean;                  // mean channel difference over the pixels either image has drawn on
-  std::optional<double> shareOver = {};  // share of those with a channel differing past kEdgeNoise
+  int max = 255;         // largest difference of a premultiplied channel
+  double mean;           // mean channel difference over the pixels either image has drawn on
+  double shareOver = 1;  // share of those with a channel differing past kEdgeNoise
 };
 
 // Returns how many pixels either image has drawn on.
-long long expectClose(const std::string& name, const Image& cairo, const Image& native,
-                      const Bounds& bounds) {
+long long expectClose(const Image& cairo, const Image& native, const Bounds& bounds) {
   const auto premultiplied = [](int channel, int alpha) { return (channel * alpha + 127) / 255; };
-  int max = 0, worstX = 0, worstY = 0;
+  int max = 0;
   long long touched = 0, sum = 0, over = 0;
   for (int y = 0; y < cairo.height(); ++y) {
     for (int x = 0; x < cairo.width(); ++x) {
@@ -51,33 +49,20 @@ long long expectClose(const std::string& name, const Image& cairo, const Image& 
                         premultiplied(e.g, e.a) - premultiplied(a.g, a.a),
                         premultiplied(e.b, e.a) - premultiplied(a.b, a.a), e.a - a.a};
       int pixelMax = 0;
-      for (const int v : d) {
-        pixelMax = std::max(pixelMax, std::abs(v));
-        sum += std::abs(v);
-      }
+      for (const int v : d) pixelMax = std::max(pixelMax, std::abs(v)), sum += std::abs(v);
       over += pixelMax > kEdgeNoise;
-      if (pixelMax > max) std::tie(max, worstX, worstY) = std::tuple(pixelMax, x, y);
+      max = std::max(max, pixelMax);
     }
   }
-  const double mean = touched ? static_cast<double>(sum) / (4.0 * static_cast<double>(touched)) : 0;
-  const double shareOver = touched ? static_cast<double>(over) / static_cast<double>(touched) : 0;
-  const auto where = ::testing::Message()
-                     << "largest difference " << max << " at (" << worstX << ", " << worstY << ")";
-  EXPECT_LE(mean, bounds.mean) << where;
-  if (bounds.max) {
-    EXPECT_LE(max, *bounds.max) << where;
-  }
-  if (bounds.shareOver) {
-    EXPECT_LE(shareOver, *bounds.shareOver) << where;
-  }
-  if (std::getenv("TESSALINE_RASTER_DIFF_STATS") != nullptr) {
-    std::printf("%-48s max %3d at (%3d, %3d) mean %.3f over %.2f%%\n", name.c_str(), max, worstX,
-                worstY, mean, 100 * shareOver);
-  }
+  const double drawn = static_cast<double>(std::max(touched, 1LL));
+  EXPECT_LE(max, bounds.max);
+  EXPECT_LE(static_cast<double>(sum) / (4 * drawn), bounds.mean);
+  EXPECT_LE(static_cast<double>(over) / drawn, bounds.shareOver);
   return touched;
 }
 
-// A deterministic generator whose values do not depend on the standard library's distributions.
+// A deterministic generator of shapes whose values do not depend on the standard library's
+// distributions.
 struct Generator {
   std::mt19937 engine;
   double uniform(double lo, double hi) {
@@ -91,103 +76,81 @@ struct Generator {
     const double alpha = below(3) == 0 ? uniform(0.2, 0.9) : 1.0;
     return {uniform(0, 1), uniform(0, 1), uniform(0, 1), alpha};
   }
-};
-
-// A simple, round-ish polygon: points spread evenly around a centre with some jitter in angle
-// and radius, so that no corner is sharper than about 60° and no edge runs close to another.
-std::vector<Point> starShapedPoints(Generator& g, int count) {
-  const Point c = g.point(40);
-  std::vector<Point> points;
-  const double step = 2 * std::numbers::pi / count, start = g.uniform(0, 2 * std::numbers::pi);
-  for (int i = 0; i < count; ++i) {
-    const double angle = start + step * (i + g.uniform(-0.2, 0.2));
-    const double r = g.uniform(24, 36);
-    points.push_back({c.x + r * std::cos(angle), c.y + r * std::sin(angle)});
-  }
-  return points;
-}
-
-Path polyline(const std::vector<Point>& points, bool closed) {
-  Path path;
-  path.moveTo(points[0]);
-  for (std::size_t i = 1; i < points.size(); ++i) path.lineTo(points[i]);
-  if (closed) path.close();
-  return path;
-}
-
-// A smooth closed curve through star-shaped points, tangents a sixth of the way to the
-// neighbours (Catmull-Rom as cubics), which keeps it free of loops.
-Path blobPath(Generator& g) {
-  const std::vector<Point> p = starShapedPoints(g, 4 + g.below(4));
-  const std::size_t n = p.size();
-  Path path;
-  path.moveTo(p[0]);
-  for (std::size_t i = 0; i < n; ++i) {
-    const Point a = p[(i + n - 1) % n], b = p[i], c = p[(i + 1) % n], d = p[(i + 2) % n];
-    const Point c1{b.x + (c.x - a.x) / 6, b.y + (c.y - a.y) / 6};
-    const Point c2{c.x - (d.x - b.x) / 6, c.y - (d.y - b.y) / 6};
-    if (g.below(3) == 0) {
-      path.quadTo({(c1.x + c2.x) / 2, (c1.y + c2.y) / 2}, c);
-    } else {
-      path.cubicTo(c1, c2, c);
+  // A simple, round-ish polygon: points spread evenly around a centre with some jitter in angle
+  // and radius, so that no corner is sharper than about 60° and no edge runs close to another.
+  std::vector<Point> starShaped(int count) {
+    const Point c = point(40);
+    std::vector<Point> points;
+    const double step = 2 * pi / count, start = uniform(0, 2 * pi);
+    for (int i = 0; i < count; ++i) {
+      const double angle = start + step * (i + uniform(-0.2, 0.2)), r = uniform(24, 36);
+      points.push_back({c.x + r * std::cos(angle), c.y + r * std::sin(angle)});
     }
+    return points;
   }
-  path.close();
-  return path;
-}
-
-Rect box(Generator& g, double minimum) {
-  const Point a = g.point(10);
-  return {a.x - 2, a.y - 2, g.uniform(minimum, std::max(minimum, kSize - a.x - 8)),
-          g.uniform(minimum, std::max(minimum, kSize - a.y - 8))};
-}
-
-// Shapes whose outlines never cross or touch themselves; the last an oval with an inner oval
-// wound the other way, a ring under either rule.
-Path simpleShape(Generator& g) {
-  switch (g.below(5)) {
-    case 0:
-      return polyline(starShapedPoints(g, 3 + g.below(8)), true);
-    case 1:
-      return blobPath(g);
-    case 2:
-      return makeOvalPath(box(g, 4));
-    case 3:
-      return makeRoundedRectPath(box(g, 4), g.uniform(0, 12));
+  // A smooth closed curve through star-shaped points, tangents a sixth of the way to the
+  // neighbours (Catmull-Rom as cubics), which keeps it free of loops.
+  Path blob() {
+    const std::vector<Point> p = starShaped(4 + below(4));
+    const std::size_t n = p.size();
+    Path path = polyline({p[0]});
+    for (std::size_t i = 0; i < n; ++i) {
+      const Point a = p[(i + n - 1) % n], b = p[i], c = p[(i + 1) % n], d = p[(i + 2) % n];
+      const Point c1{b.x + (c.x - a.x) / 6, b.y + (c.y - a.y) / 6};
+      const Point c2{c.x - (d.x - b.x) / 6, c.y - (d.y - b.y) / 6};
+      if (below(3) == 0) {
+        path.quadTo({(c1.x + c2.x) / 2, (c1.y + c2.y) / 2}, c);
+      } else {
+        path.cubicTo(c1, c2, c);
+      }
+    }
+    path.close();
+    return path;
   }
-  const Rect outer = box(g, 40);
-  Path path = makeOvalPath(outer);
-  const Rect inner{outer.x + outer.width / 4, outer.y + outer.height / 4, outer.width / 2,
-                   outer.height / 2};
-  makeOvalPath(inner)
-      .transformed({-1, 0, 0, 1, 2 * (inner.x + inner.width / 2), 0})
-      ->forEach([&](const PathElement& e) {
-        if (e.verb == PathVerb::Move) path.moveTo(e.points[0]);
-        if (e.verb == PathVerb::Cubic) path.cubicTo(e.points[0], e.points[1], e.points[2]);
-        if (e.verb == PathVerb::Close) path.close();
-      });
-  return path;
-}
-
-// Random polygons and curves that cross themselves, with points anywhere on the canvas.
-Path tangledPath(Generator& g, bool closed) {
-  Path path;
-  path.moveTo(g.point());
-  for (int i = 0, count = 2 + g.below(5); i < count; ++i) {
-    switch (g.below(3)) {
+  Rect box(double minimum) {
+    const Point a = point(10);
+    return {a.x - 2, a.y - 2, uniform(minimum, std::max(minimum, kSize - a.x - 8)),
+            uniform(minimum, std::max(minimum, kSize - a.y - 8))};
+  }
+  // Shapes whose outlines never cross or touch themselves; the last an oval with a circle inside
+  // wound the other way, a ring under either rule.
+  Path simpleShape() {
+    switch (below(5)) {
       case 0:
-        path.lineTo(g.point());
-        break;
+        return polyline(starShaped(3 + below(8)), true);
       case 1:
-        path.quadTo(g.point(), g.point());
-        break;
-      default:
-        path.cubicTo(g.point(), g.point(), g.point());
+        return blob();
+      case 2:
+        return makeOvalPath(box(4));
+      case 3:
+        return makeRoundedRectPath(box(4), uniform(0, 12));
     }
+    const Rect outer = box(40);
+    Path path = makeOvalPath(outer);
+    const Point c{outer.x + outer.width / 2, outer.y + outer.height / 2};
+    const double r = std::min(outer.width, outer.height) / 4;
+    path.moveTo({c.x + r, c.y});
+    path.addRelativeArc(c, r, 0, -2 * pi, AffineTransform::identity());
+    path.close();
+    return path;
   }
-  if (closed) path.close();
-  return path;
-}
+  // Polygons and curves that cross themselves, with points anywhere on the canvas.
+  Path tangled(bool closed) {
+    Path path = polyline({point()});
+    for (int i = 0, count = 2 + below(5); i < count; ++i) {
+      const int kind = below(3);
+      if (kind == 0) {
+        path.lineTo(point());
+      } else if (kind == 1) {
+        path.quadTo(point(), point());
+      } else {
+        path.cubicTo(point(), point(), point());
+      }
+    }
+    if (closed) path.close();
+    return path;
+  }
+};
 
 constexpr LineCap kCaps[] = {LineCap::Butt, LineCap::Round, LineCap::Square};
 constexpr LineJoin kJoins[] = {LineJoin::Miter, LineJoin::Round, LineJoin::Bevel};
@@ -202,7 +165,7 @@ void expectDrawnAlike(const std::string& name, const Bounds& bounds,
   auto native = makeRasterContext(RasterBackend::Native, kSize, kSize);
   draw(*cairo);
   draw(*native);
-  EXPECT_GT(expectClose(name, cairo->image(), native->image(), bounds), 0) << "draws nothing";
+  EXPECT_GT(expectClose(cairo->image(), native->image(), bounds), 0) << "draws nothing";
 }
 
 // On shapes that do not overlap themselves the backends differ only in how they anti-alias an
@@ -218,96 +181,54 @@ void expectDrawnAlike(const std::string& name, const Bounds& bounds,
 // the mean over the pixels drawn on stays within the edge noise even for hairline strokes,
 // which are all edge: at most 48 levels on any channel, 4 on average.
 //
-// The cases: hand-picked ones (degenerate subpaths, segments after a close, geometry far off the
-// canvas, whole and half pixels, clips undone by restore), then fills with both rules, strokes
-// with every cap and join at several widths and miter limits, and nested clips, of generated
-// shapes; strokes are at most as wide as the smallest radius of the curves they follow.
+// The cases: degenerate subpaths and segments after a close, then strokes with every cap and
+// join at several widths and miter limits, and fills with both rules, strokes and nested clips,
+// of generated shapes; strokes are at most as wide as the smallest radius of the curves they
+// follow.
 TEST(RasterDifferential, NativeMatchesCairoOnShapesThatDoNotOverlapThemselves) {
   constexpr Bounds bounds{.max = 48, .mean = 4};
   const Color ink{0.2, 0.1, 0.6, 1};
-  const auto square = [](double x, double y, double w, double h) {
-    return makeRoundedRectPath({x, y, w, h}, 0);
-  };
-  expectDrawnAlike("dots", bounds, [&](RasterContext& c) {
-    Path p;
-    p.moveTo({20, 20});
-    p.lineTo({20, 20});
-    p.moveTo({60, 40});
-    p.close();
-    p.moveTo({90, 90});
-    p.cubicTo({90, 90}, {90, 90}, {90, 90});
-    p.moveTo({100, 20});  // a lone move draws nothing
-    for (LineCap cap : kCaps) c.stroke(p, {11, 4, cap, LineJoin::Miter}, ink);
-  });
-  expectDrawnAlike("after-close", bounds, [&](RasterContext& c) {
-    Path p = polyline({{20, 20}, {100, 20}, {100, 90}}, true);
-    p.lineTo({30, 110});
-    p.close();
-    p.close();
-    c.stroke(p, {6, 4, LineCap::Square, LineJoin::Miter}, ink);
-  });
-  expectDrawnAlike("far-away", bounds, [&](RasterContext& c) {
-    // Within ±2^23 px, where cairo's 24.8 fixed point still holds them.
-    c.fill(polyline({{-1e6, 30}, {1e6, 50}, {60, 1e6}}, true), FillRule::Winding,
-           ink.withAlpha(0.7));
-    Path q;
-    q.moveTo({-1e5, -1e5});
-    q.cubicTo({4e5, -2e5}, {200, 300}, {100, 100});
-    c.stroke(q, {5, 4, LineCap::Round, LineJoin::Round}, ink);
-  });
-  expectDrawnAlike("pixel-grid", bounds, [&](RasterContext& c) {
-    c.fill(square(10, 10, 40, 30), FillRule::Winding, ink);
-    c.fill(square(60.5, 10.5, 40, 30.25), FillRule::Winding, ink);
-    c.stroke(square(20, 60, 80, 50), {1, 4, LineCap::Butt, LineJoin::Miter}, ink);
-    c.stroke(square(20.5, 70.5, 60, 20), {1, 4, LineCap::Butt, LineJoin::Miter}, ink);
-  });
-  expectDrawnAlike("clip-restore", bounds, [&](RasterContext& c) {
-    c.save();
-    c.clip(makeOvalPath({10, 10, 100, 60}));
-    c.save();
-    c.clip(square(40.3, 0, 30, 128));
-    c.fill(square(0, 0, 128, 128), FillRule::Winding, ink);
-    c.restore();
-    c.fill(makeOvalPath({0, 30, 128, 80}), FillRule::Winding, ink.withAlpha(0.4));
-    c.restore();
-    c.restore();  // one too many: ignored
-    c.stroke(makeOvalPath({20, 80, 90, 40}), {3, 4, LineCap::Butt, LineJoin::Miter}, ink);
+  expectDrawnAlike("degenerate", bounds, [&](RasterContext& c) {
+    Path dots = polyline({{20, 20}, {20, 20}});
+    dots.moveTo({60, 40});
+    dots.close();
+    dots.moveTo({90, 90});
+    dots.cubicTo({90, 90}, {90, 90}, {90, 90});
+    dots.moveTo({100, 20});  // a lone move draws nothing
+    for (LineCap cap : kCaps) c.stroke(dots, {11, 4, cap, LineJoin::Miter}, ink);
+    Path afterClose = polyline({{20, 30}, {100, 30}, {100, 70}}, true);
+    afterClose.lineTo({30, 110});
+    afterClose.close();
+    afterClose.close();
+    c.stroke(afterClose, {6, 4, LineCap::Square, LineJoin::Miter}, ink);
   });
 
   Generator g{std::mt19937(20240611)};
-  for (int i = 0; i < 40; ++i) {
-    const Path a = simpleShape(g), b = simpleShape(g);
-    const FillRule rule = i % 2 ? FillRule::EvenOdd : FillRule::Winding;
-    const Color ca = g.color(), cb = g.color();
-    expectDrawnAlike("fill-" + std::to_string(i), bounds, [&](RasterContext& c) {
-      c.fill(a, rule, ca);
-      c.fill(b, rule, cb);
-    });
-  }
   for (int n = 0; n < 45; ++n) {  // every cap, join and width
     const StrokeStyle style{kWidths[n % 5], kLimits[n % 4], kCaps[n / 15], kJoins[n / 5 % 3]};
-    const Path lines = polyline(starShapedPoints(g, 3 + g.below(5)), n % 3 == 0);
-    const Path curves = n % 2 ? blobPath(g) : makeRoundedRectPath(box(g, 20), g.uniform(8, 16));
+    const Path lines = polyline(g.starShaped(3 + g.below(5)), n % 3 == 0);
+    const Path curves = n % 2 ? g.blob() : makeRoundedRectPath(g.box(20), g.uniform(8, 16));
     const Color color = g.color();
     expectDrawnAlike("stroke-" + std::to_string(n), bounds, [&](RasterContext& c) {
       c.stroke(lines, style, color);
       c.stroke(curves, style, color);
     });
   }
-  for (int i = 0; i < 20; ++i) {
-    const Path outer = simpleShape(g), inner = simpleShape(g), shape = simpleShape(g);
+  for (int i = 0; i < 40; ++i) {
+    const Path outer = g.simpleShape(), inner = g.simpleShape(), shape = g.simpleShape();
     const StrokeStyle style{g.uniform(1, 7), 4, kCaps[i % 3], kJoins[(i / 3) % 3]};
     const Color a = g.color(), b = g.color(), d = g.color();
     expectDrawnAlike("clip-" + std::to_string(i), bounds, [&](RasterContext& c) {
       c.save();
       c.clip(outer);
-      c.fill(shape, FillRule::Winding, a);
+      c.fill(shape, i % 2 ? FillRule::EvenOdd : FillRule::Winding, a);
       c.save();
       c.clip(inner);
       c.stroke(shape, style, b);
       c.restore();
       c.fill(inner, FillRule::EvenOdd, d);
       c.restore();
+      c.restore();  // one too many: ignored
       c.stroke(outer, {1.5, 4, LineCap::Butt, LineJoin::Miter}, b);
     });
   }
@@ -323,30 +244,21 @@ TEST(RasterDifferential, NativeMatchesCairoOnShapesThatDoNotOverlapThemselves) {
 TEST(RasterDifferential, NativeStaysCloseToCairoOnSelfOverlappingShapes) {
   constexpr Bounds bounds{.mean = 4, .shareOver = 0.08};
   Generator g{std::mt19937(77)};
-  for (int i = 0; i < 30; ++i) {
-    const Path a = tangledPath(g, true);
+  for (int i = 0; i < 90; ++i) {
+    const StrokeStyle style{g.uniform(0.5, 16), kLimits[i % 4], kCaps[i % 3], kJoins[(i / 3) % 3]};
+    const Path shape = g.tangled(i % 4 != 1), clip = g.tangled(true);
     const FillRule rule = i % 2 ? FillRule::EvenOdd : FillRule::Winding;
     const Color color = g.color();
-    expectDrawnAlike("tangled-fill-" + std::to_string(i), bounds,
-                     [&](RasterContext& c) { c.fill(a, rule, color); });
-  }
-  for (int i = 0; i < 45; ++i) {
-    const StrokeStyle style{g.uniform(0.5, 16), kLimits[i % 4], kCaps[i % 3], kJoins[(i / 3) % 3]};
-    const Path a = tangledPath(g, i % 4 == 0);
-    const Color color = g.color();
-    expectDrawnAlike("tangled-stroke-" + std::to_string(i), bounds,
-                     [&](RasterContext& c) { c.stroke(a, style, color); });
-  }
-  for (int i = 0; i < 15; ++i) {
-    const Path clip = tangledPath(g, true), shape = tangledPath(g, true);
-    const Color color = g.color();
-    expectDrawnAlike("tangled-clip-" + std::to_string(i), bounds, [&](RasterContext& c) {
+    expectDrawnAlike("tangled-" + std::to_string(i), bounds, [&](RasterContext& c) {
       c.save();
-      c.clip(clip);
-      c.fill(shape, FillRule::EvenOdd, color);
-      c.stroke(shape, {3, 4, LineCap::Round, LineJoin::Round}, color);
+      if (i % 5 == 4) c.clip(clip);
+      if (i % 3 == 0) {
+        c.fill(shape, rule, color);
+      } else {
+        c.stroke(shape, style, color);
+      }
       c.restore();
-      c.stroke(clip, {1, 4, LineCap::Butt, LineJoin::Bevel}, color);
+      if (i % 5 == 4) c.stroke(clip, {1, 4, LineCap::Butt, LineJoin::Bevel}, color);
     });
   }
 }
@@ -363,17 +275,14 @@ TEST(RasterDocumentsDifferential, EverySymbolRendersAlikeWithBothBackends) {
   std::vector<std::string> names{"../../examples/sprite.svg"};
   const std::filesystem::path root(TESSALINE_TEST_DATA);
   for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
-    if (entry.is_regular_file() && entry.path().extension() == ".svg") {
+    if (entry.path().extension() == ".svg") {
       names.push_back(std::filesystem::relative(entry.path(), root).generic_string());
     }
   }
-  std::sort(names.begin(), names.end());
   int symbols = 0;
   for (const std::string& name : names) {
     SCOPED_TRACE(name);
-    const std::string text = testing::readTestData(name);
-    ASSERT_FALSE(text.empty());
-    const SVGFile file(text);
+    const SVGFile file(testing::readTestData(name));
     for (const auto& [key, definition] : file.symbolDefinitions) {
       SCOPED_TRACE(key);
       ++symbols;
@@ -382,8 +291,7 @@ TEST(RasterDocumentsDifferential, EverySymbolRendersAlikeWithBothBackends) {
       EXPECT_EQ(native.errors(), cairo.errors());
       ASSERT_EQ(native.bitmap().has_value(), cairo.bitmap().has_value());
       if (native.bitmap()) {
-        expectClose(name + " " + key, *cairo.bitmap(), *native.bitmap(),
-                    {.mean = 1, .shareOver = 0.01});
+        expectClose(*cairo.bitmap(), *native.bitmap(), {.mean = 1, .shareOver = 0.01});
       }
     }
   }

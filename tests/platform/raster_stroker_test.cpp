@@ -32,11 +32,8 @@ constexpr double kUnchecked = std::numeric_limits<double>::quiet_NaN();
 
 TEST(RasterStroker, CapsAndJoins) {
   const Path line = polyline({{10, 20}, {50, 20}});
-  for (const LineCap cap : {kButt, kSquare, kRound}) {  // the body is as wide as the stroke
-    expectStroke("body", line, {10, 4, cap}, kUnchecked, 0,
-                 {{30, 15, 255}, {30, 14, 0}, {30, 24, 255}, {30, 25, 0}});
-  }
-  expectStroke("butt caps end at the ends", line, {10, 4, kButt}, 400, 0, {{9, 20, 0}});
+  expectStroke("butt caps end at the ends", line, {10, 4, kButt}, 400, 0,
+               {{9, 20, 0}, {30, 15, 255}, {30, 14, 0}, {30, 24, 255}, {30, 25, 0}});
   expectStroke("square caps extend by half the width", line, {10, 4, kSquare}, 500, 0,
                {{5, 15, 255}, {4, 20, 0}});
   // Inside the cap's half disc, not in the corner a square cap would fill.

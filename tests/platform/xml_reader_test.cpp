@@ -62,15 +62,5 @@ TEST(XmlReader, FailsOnMalformedDocumentsAfterReportingWhatCameBefore) {
   }
 }
 
-TEST(XmlReader, HandlesDeepNestingWithoutRecursion) {
-  constexpr int kDepth = 100000;
-  std::string text;
-  for (int i = 0; i < kDepth; ++i) text += "<g>";
-  for (int i = 0; i < kDepth; ++i) text += "</g>";
-  Transcript transcript;
-  ASSERT_TRUE(readXml(text, transcript));
-  EXPECT_EQ(transcript.lines.size(), 2u * kDepth);
-}
-
 }  // namespace
 }  // namespace tessaline
