@@ -135,6 +135,17 @@ TEST(RasterStroker, CapsOnCurvesFaceAlongTheTangent) {
   }
 }
 
+// The vertices of a flattened curve are joined round whatever the join: on a tight bend a miter
+// there would stick out.
+TEST(RasterStroker, CurvesAreJoinedRoundWithinThemselves) {
+  Path bend = polyline({{20, 110}});
+  bend.cubicTo({64, -40}, {64, -40}, {108, 110});
+  const CoverageGrid round = stroked(bend, {16, 10, kButt, LineJoin::Round});
+  for (const LineJoin join : {LineJoin::Miter, LineJoin::Bevel}) {
+    EXPECT_EQ(stroked(bend, {16, 10, kButt, join}).values, round.values);
+  }
+}
+
 // Random zigzags, open and closed, with short segments, sharp turns and wide strokes. A stroke
 // covers at least every segment's rectangle (the inner sides of turns must not open gaps) and,
 // with round joins and caps, exactly the points within half the width of the polyline.
