@@ -11,11 +11,12 @@
 namespace tessaline {
 namespace {
 
-struct Rendered {
-  std::optional<Image> bitmap;
-  std::vector<std::string> errors;
-  friend bool operator==(const Rendered&, const Rendered&) = default;
-};
+using Rendered = std::pair<std::optional<Image>, std::vector<std::string>>;
+
+Rendered render(const SVGFile& file, const std::string& key) {
+  const TessalineResponse response = file.getUIImageForKey(key);
+  return {response.bitmap(), response.errors()};
+}
 
 // One parsed file, every symbol rendered by several threads at once, each thread in its own
 // order and more than once: every result must equal the single-threaded one.
@@ -27,13 +28,11 @@ TEST(ConcurrentRendering, ThreadsSharingOneFileProduceTheSamePixels) {
 
   std::map<std::string, Rendered> reference;
   for (const std::string& key : keys) {
-    const TessalineResponse response = file.getUIImageForKey(key);
-    reference[key] = {response.bitmap(), response.errors()};
-    ASSERT_TRUE(response.bitmap().has_value()) << key;
+    reference[key] = render(file, key);
+    ASSERT_TRUE(reference[key].first.has_value()) << key;
   }
 
-  constexpr int kThreads = 4;
-  constexpr int kRounds = 3;
+  constexpr int kThreads = 4, kRounds = 3;
   std::vector<std::vector<std::string>> mismatches(kThreads);
   std::vector<std::thread> threads;
   for (int t = 0; t < kThreads; ++t) {
@@ -42,10 +41,7 @@ TEST(ConcurrentRendering, ThreadsSharingOneFileProduceTheSamePixels) {
         for (std::size_t i = 0; i < keys.size(); ++i) {
           // Start each thread at a different symbol so different symbols overlap in time.
           const std::string& key = keys[(i + t * keys.size() / kThreads) % keys.size()];
-          const TessalineResponse response = file.getUIImageForKey(key);
-          if (!(Rendered{response.bitmap(), response.errors()} == reference.at(key))) {
-            mismatches[t].push_back(key);
-          }
+          if (render(file, key) != reference.at(key)) mismatches[t].push_back(key);
         }
       }
     });
