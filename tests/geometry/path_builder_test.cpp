@@ -56,9 +56,7 @@ std::vector<Point> samples(const Path& path) {
 }
 
 TEST(EllipticalArc, TinyRadiiGiveAStraightLine) {
-  for (const Arc a :
-       {Arc{0, 0, 0, 5, 0, 0, 1, 10, 0}, Arc{0, 0, 5, 0, 0, 0, 1, 10, 0},
-        Arc{0, 0, 0.0009f, 5, 0, 0, 1, 10, 0}, Arc{0, 0, 5, -0.0009f, 0, 1, 1, 10, 0}}) {
+  for (const Arc a : {Arc{0, 0, 0, 5, 0, 0, 1, 10, 0}, Arc{0, 0, 5, -0.0009f, 0, 1, 1, 10, 0}}) {
     SCOPED_TRACE(::testing::Message() << "rx " << a.rx << " ry " << a.ry);
     EXPECT_EQ(drawArc(a).dump(), "M 0 0 L 10 0");
     EXPECT_FALSE(centerArc(a));
@@ -108,10 +106,9 @@ TEST(EllipticalArc, FlagsChooseTheCentreAndTheDirection) {
 // its ellipse: every sampled point, taken back into the ellipse's own axes, lies on the unit
 // circle.
 TEST(EllipticalArc, RunsFromStartToEndOnItsEllipse) {
-  for (const Arc a : {Arc{0, 0, 10, 10, 0, 0, 1, 10, 0}, Arc{0, 0, 1, 1, 0, 1, 0, 10, 0},
-                      Arc{3, 4, 20, 8, 30, 1, 1, -7, 12}, Arc{3, 4, 20, 8, -135, 0, 0, -7, 12},
-                      Arc{100, 50, 40, 25, 400, 1, 0, 130, 90}, Arc{0, 0, -6, -4, 10, 0, 1, 5, 5},
-                      Arc{-50, 20, 0.5f, 0.25f, 45, 0, 1, 50, -20}}) {
+  for (const Arc a :
+       {Arc{3, 4, 20, 8, -135, 0, 0, -7, 12}, Arc{100, 50, 40, 25, 400, 1, 0, 130, 90},
+        Arc{0, 0, -6, -4, 10, 0, 1, 5, 5}, Arc{-50, 20, 0.5f, 0.25f, 45, 0, 1, 50, -20}}) {
     SCOPED_TRACE(::testing::Message() << "from (" << a.x0 << ", " << a.y0 << ") to (" << a.x << ", "
                                       << a.y << ") rotation " << a.rotation);
     const Path path = drawArc(a);
@@ -133,8 +130,7 @@ TEST(EllipticalArc, RunsFromStartToEndOnItsEllipse) {
 
 TEST(EllipticalArc, RotationIsTakenModuloAFullTurnIntoMinusPiToPi) {
   for (const auto& [degrees, radians] :
-       {std::pair{30.0f, M_PI / 6}, std::pair{90.0f, M_PI / 2}, std::pair{450.0f, M_PI / 2},
-        std::pair{-270.0f, M_PI / 2}, std::pair{270.0f, -M_PI / 2}}) {
+       {std::pair{30.0f, M_PI / 6}, {450.0f, M_PI / 2}, {-270.0f, M_PI / 2}, {270.0f, -M_PI / 2}}) {
     EXPECT_NEAR(centerOf({0, 0, 10, 5, degrees, 0, 1, 6, 3}).rotation, radians, 1e-6) << degrees;
   }
 }
@@ -144,10 +140,7 @@ TEST(EllipticalArc, EndPointEqualToStartAddsOnlyALineToTheEllipse) {
   // the line to the ellipse's point at angle 0, one radius to the right, so the path's current
   // point is no longer the arc's end point.
   EXPECT_EQ(drawArc({3, 4, 2, 1, 0, 0, 1, 3, 4}).dump(), "M 3 4 L 5 4");
-  const detail::CenterArc arc = centerOf({3, 4, 2, 1, 0, 0, 1, 3, 4});
-  EXPECT_EQ(arc.centerX, 3);
-  EXPECT_EQ(arc.centerY, 4);
-  EXPECT_EQ(arc.sweep, 0);
+  EXPECT_EQ(centerOf({3, 4, 2, 1, 0, 0, 1, 3, 4}).sweep, 0);
 }
 
 TEST(EllipticalArc, SweepOnTurnsByTheFloatFullTurn) {

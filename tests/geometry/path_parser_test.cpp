@@ -33,43 +33,33 @@ const std::string kNoY = "L/l command must have an Y value";
 
 TEST(PathParser, ReadsCommandsNumbersAndSeparatorsWithTheirQuirks) {
   // Only spaces and commas are skipped before the first command, which must be a move.
-  for (std::string_view d : {"", ", ,", "Z", "\tM0 0", "\xC3\xA9M0 0"}) {
+  for (std::string_view d : {"", ", ,", "Z", "\tM0 0"}) {
     expectParses({{d, "", "SVG must start with m or M"}});
   }
   expectParses({
-      {" ,M1 2", "M 1 2"},
-      {"m10 20", "M 10 20"},  // a first `m` is relative to (0, 0)
+      {" ,m10 20", "M 10 20"},  // a first `m` is relative to (0, 0)
       // Further parameters repeat the command in force, each relative one resolved against the
       // point the previous one reached; coordinates after a move are lines.
       {"M10 20 30 40", "M 10 20 L 30 40"},
       {"m10 20 5 5", "M 10 20 L 15 25"},
-      {"m0 0 l1 1 1 1", "M 0 0 L 1 1 L 2 2"},
       {"M0 0 h1 2 3", "M 0 0 L 1 0 L 3 0 L 6 0"},
-      {"M0 0 M5 5 6 6", "M 0 0 M 5 5 L 6 6"},
       // Separators are spaces and commas, any number of them, or none before a letter.
-      {"M0,0L10,10", "M 0 0 L 10 10"},
-      {"M0,,0 L 10 , 10", "M 0 0 L 10 10"},
+      {"M0,,0L 10 , 10", "M 0 0 L 10 10"},
       {"M0\t0", "", "M/m command must have an Y value"},
-      {"M0 0\nL1 1", "M 0 0", kNoX},
       // The letter lookahead skips spaces only: after a comma the implicit line finds a letter
       // where it looks for a number, and a separator after the last parameter repeats the command.
       {"M0 0,L1 1", "M 0 0", kNoX},
       {"M0 0 L1 1,", "M 0 0 L 1 1", kNoX},
       // Plain decimals: a second point or a minus starts the next number; a sign or a point alone
       // reads as 0; no exponent (`e` ends the number) and no plus sign.
-      {"M0 0 L1-2", "M 0 0 L 1 -2"},
       {"M0 0 L1.5.5 -.25 3", "M 0 0 L 1.5 0.5 L -0.25 3"},
       {"M0 0 L10-20-30", "M 0 0 L 10 -20", kNoY},
-      {"M0 0 L-.5 007.250", "M 0 0 L -0.5 7.25"},
       {"M0 0 L- .", "M 0 0 L 0 0"},
       {"M0 0 L1e5", "M 0 0", kNoY},
       {"M0 0 L1 1e5", "M 0 0 L 1 1", "Encountered unknown path command: e"},
       {"M0 0 L+5 5", "M 0 0", kNoX},
-      // Unknown letters are named; Z takes no parameters; an error keeps the path so far.
-      {"M0 0 X1 1", "M 0 0", "Encountered unknown path command: X"},
-      {"M0 0 L1 1 b", "M 0 0 L 1 1", "Encountered unknown path command: b"},
+      // Z takes no parameters; an error keeps the path so far.
       {"M0 0 L1 1 ZM2 2 L3 3z", "M 0 0 L 1 1 Z M 2 2 L 3 3 Z"},
-      {"M0 0 L10 10 C1 2 3", "M 0 0 L 10 10", "C/c command must have an y2 value"},
   });
 }
 
@@ -80,11 +70,9 @@ TEST(PathParser, ResolvesRelativeAndReflectedControlPoints) {
       {"M1 1 h5 v5 H0 V0", "M 1 1 L 6 1 L 6 6 L 0 6 L 0 0"},
       // After a close the current point is the subpath start.
       {"M0 0 L1 1 Z m1 1 l1 0", "M 0 0 L 1 1 Z M 1 1 L 2 1"},
-      {"M5 5 l1 0 z l0 2 Z", "M 5 5 L 6 5 Z L 5 7 Z"},
       // S reflects the last control point about the current point, with no check of the previous
       // command's kind: after a line that is the current point, after a quadratic its control
       // point, and after a close the control point from before it: 2·(0, 0) − (3, 4).
-      {"M0 0 C0 10 10 10 10 0 S20 -10 20 0", "M 0 0 C 0 10 10 10 10 0 C 10 -10 20 -10 20 0"},
       {"M0 0 C0 10 10 10 10 0 s10 -10 10 0", "M 0 0 C 0 10 10 10 10 0 C 10 -10 20 -10 20 0"},
       {"M0 0 L5 5 S10 0 10 10", "M 0 0 L 5 5 C 5 5 10 0 10 10"},
       {"M0 0 Q5 5 10 0 S20 0 20 0", "M 0 0 Q 5 5 10 0 C 15 -5 20 0 20 0"},
@@ -92,9 +80,7 @@ TEST(PathParser, ResolvesRelativeAndReflectedControlPoints) {
       // T reflects likewise; lower-case t offsets the reflection by the current point once more,
       // 3·(10, 0) − (5, 5), and the next reflection starts from there: 2·(20, 0) − (25, −5).
       // From the origin the extra offset is invisible.
-      {"M0 0 Q5 5 10 0 T20 0", "M 0 0 Q 5 5 10 0 Q 15 -5 20 0"},
       {"M0 0 Q5 5 10 0 T20 0 T30 0", "M 0 0 Q 5 5 10 0 Q 15 -5 20 0 Q 25 5 30 0"},
-      {"M0 0 Q5 5 10 0 t10 0", "M 0 0 Q 5 5 10 0 Q 25 -5 20 0"},
       {"M0 0 Q5 5 10 0 t10 0 T30 0", "M 0 0 Q 5 5 10 0 Q 25 -5 20 0 Q 15 5 30 0"},
       {"M0 0 t10 0", "M 0 0 Q 0 0 10 0"},
   });
@@ -105,8 +91,6 @@ TEST(PathParser, CountsUserPerceivedCharacters) {
   expectParses({
       // "1" with a combining acute accent is one character, and not a digit.
       {"M0 0 L1 1\xCC\x81", "M 0 0", kNoY},
-      {"M0 0 L10 10 20 20\xC3\xA9", "M 0 0 L 10 10 L 20 20", kNoX},
-      {"M0 0 \xE2\x82\xAC", "M 0 0", kNoX},
       // The Kelvin sign lower-cases to "k", so it is taken as a command letter, and an unknown
       // one; carrying an accent it is no longer a letter.
       {"M0 0 L1 1 \xE2\x84\xAA 2 2", "M 0 0 L 1 1",
@@ -115,39 +99,29 @@ TEST(PathParser, CountsUserPerceivedCharacters) {
   });
 }
 
+// Each command's messages, in parameter order: "<letters> command must have an <name> value".
 TEST(PathParser, ReportsEveryMissingParameterByName) {
-  struct Command {
-    std::string_view letters;
-    std::vector<std::string_view> messages;
-  };
-  const std::vector<Command> commands = {
-      {"Mm", {"M/m command must have an X value", "M/m command must have an Y value"}},
-      {"Ll", {"L/l command must have an X value", "L/l command must have an Y value"}},
-      {"Hh", {"H/h command must have an X value"}},
-      {"Vv", {"V/v command must have an Y value"}},
-      {"Cc",
-       {"C/c command must have an x1 value", "C/c command must have an y1 value",
-        "C/c command must have an x2 value", "C/c command must have an y2 value",
-        "C/c command must have an X value", "C/c command must have an Y value"}},
-      {"Ss",
-       {"S/s command must have an x2 value", "S/s command must have an y2 value",
-        "S/s command must have an X value", "S/s command must have an Y value"}},
-      {"Qq",
-       {"Q/q command must have an x1 value", "Q/q command must have an y1 value",
-        "Q/q command must have an X value", "Q/q command must have an Y value"}},
-      {"Tt", {"Q/q command must have an X value", "Q/q command must have an Y value"}},
+  const std::vector<std::pair<std::string_view, std::vector<std::string>>> commands = {
+      {"Mm", {"M/m X", "M/m Y"}},
+      {"Ll", {"L/l X", "L/l Y"}},
+      {"Hh", {"H/h X"}},
+      {"Vv", {"V/v Y"}},
+      {"Cc", {"C/c x1", "C/c y1", "C/c x2", "C/c y2", "C/c X", "C/c Y"}},
+      {"Ss", {"S/s x2", "S/s y2", "S/s X", "S/s Y"}},
+      {"Qq", {"Q/q x1", "Q/q y1", "Q/q X", "Q/q Y"}},
+      {"Tt", {"Q/q X", "Q/q Y"}},
       {"Aa",
-       {"A/a command must have an rx value", "A/a command must have an ry value",
-        "A/a command must have an xAxisRotation value",
-        "A/a command must have an largeArcFlag value", "A/a command must have an sweepFlag value",
-        "A/a command must have an X value", "A/a command must have an Y value"}},
+       {"A/a rx", "A/a ry", "A/a xAxisRotation", "A/a largeArcFlag", "A/a sweepFlag", "A/a X",
+        "A/a Y"}},
   };
-  for (const Command& command : commands) {
-    for (char letter : command.letters) {
+  for (const auto& [letters, parameters] : commands) {
+    for (char letter : letters) {
       std::string d = std::string("M0 0 ") + letter;
-      for (std::string_view message : command.messages) {
+      for (const std::string& parameter : parameters) {
+        const std::string message =
+            parameter.substr(0, 3) + " command must have an " + parameter.substr(4) + " value";
         // Nothing of the failing command reaches the path.
-        expectParses({{d, "M 0 0", std::string(message)}});
+        expectParses({{d, "M 0 0", message}});
         d += d.back() == letter ? "1" : " 1";
       }
     }
@@ -181,7 +155,7 @@ using PathParserDeathTest = ::testing::Test;
 
 TEST(PathParserDeathTest, TrailingSpacesAfterTheLastCommandReadPastTheEnd) {
   // Spaces after the last parameter make the letter lookahead read one past the end of the text.
-  for (const char* d : {"M0 0 L1 1 ", "M0 0 Z ", "M0 0 L1 1   "}) {
+  for (const char* d : {"M0 0 L1 1 ", "M0 0 Z "}) {
     CGMutablePathWrapper builder;
     EXPECT_DEATH(PathParser(d).parse(builder), "path data read past its end") << d;
   }

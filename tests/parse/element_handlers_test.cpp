@@ -11,6 +11,9 @@ using testing::describe;
 using testing::Messages;
 using testing::parseSymbolBody;
 
+const std::string kUnknown = "Encountered unknown attribute for ";
+const std::string kInvalid = "Encountered invalid parameters for ";
+
 // Every unplaced attribute is reported with the element's wording, names as written and in
 // attribute order, before the invalid-parameters message. Required attributes must be given and
 // non-empty; a value of blanks is present and converts to 0. Numbers are otherwise read leniently.
@@ -22,84 +25,63 @@ TEST(ElementHandlers, MessagesAndComponents) {
   };
   const Case cases[] = {
       {"<path d='M0 0' Fill='red' foo='1' data-name='n' CLASS='c' isolation='i'/>",
-       {"Encountered unknown attribute for path: foo"},
+       {kUnknown + "path: foo"},
        "path d='M0 0' fill=red"},
       {"<ellipse cx='1' rx='2' ry='3' Bar='1' data-name='n' class='c'/>",
-       {"Encountered unknown attribute for ellipse: Bar"},
+       {kUnknown + "ellipse: Bar"},
        "ellipse cx=1 cy=- rx=2 ry=3"},
+      // Only a path passes over isolation.
       {"<circle cx='1' r='2' isolation='x'/>",
-       {"Encountered unknown attribute for circle: isolation"},
+       {kUnknown + "circle: isolation"},
        "circle cx=1 cy=- r=2"},
-      {"<rect width='1' height='1' cx='1'/>",
-       {"Encountered unknown attribute for rect: cx"},
-       "rect x=0 y=0 w=1 h=1 rx=0 ry=0"},
-      {"<polygon points='0 0' d='x'/>",
-       {"Encountered unknown attribute for polygon: d"},
-       "polygon p=0,0"},
-      {"<line x1='1' r='1'/>",
-       {"Encountered unknown attribute for line: r"},
-       "line x1=1 y1=0 x2=0 y2=0"},
+      {"<polygon points='0 0' d='x'/>", {kUnknown + "polygon: d"}, "polygon p=0,0"},
+      {"<line x1='1' r='1'/>", {kUnknown + "line: r"}, "line x1=1 y1=0 x2=0 y2=0"},
       // A use ignores nothing and never keeps its id.
       {"<use id='u' data-name='n' class='c' xlink:href='#a'/>",
-       {"Encountered unknown attribute for use: id",
-        "Encountered unknown attribute for use: data-name",
-        "Encountered unknown attribute for use: class"},
+       {kUnknown + "use: id", kUnknown + "use: data-name", kUnknown + "use: class"},
        "use href='' xlink='#a'"},
-      {"<g onclick='x' id='g' class='c' fill='red'/>",
-       {"Encountered unknown attribute for path: onclick"},
-       ""},
-      {"<clipPath id='c' fill='red' Transform='scale(2)'/>",
-       {"Encountered unknown attribute for clippath: fill",
-        "Encountered unknown attribute for clippath: Transform"},
-       "clip#c()"},
+      // Groups report with the path wording; a clip path keeps only its last id.
+      {"<g onclick='x' id='g' class='c' fill='red'/>", {kUnknown + "path: onclick"}, ""},
+      {"<clipPath ID='c1' fill='red' id='c2' Transform='scale(2)'/>",
+       {kUnknown + "clippath: fill", kUnknown + "clippath: Transform"},
+       "clip#c2()"},
       {"<defs id='d' foo='1'/>", {}, "defs{}"},
       {"<rect Zeta='1' alpha='2' height='3'/>",
-       {"Encountered unknown attribute for rect: Zeta",
-        "Encountered unknown attribute for rect: alpha", "Encountered invalid parameters for rect"},
+       {kUnknown + "rect: Zeta", kUnknown + "rect: alpha", kInvalid + "rect"},
        ""},
       // A malformed style is reported although its good declarations apply.
       {"<circle cx='1' r='1' style='fill:red;oops'/>",
-       {"Encountered unknown attribute for circle: style"},
+       {kUnknown + "circle: style"},
        "circle cx=1 cy=- r=1 fill=red"},
-      {"<circle cy='5' r='2'/>", {"Encountered invalid parameters for circle"}, ""},
-      {"<circle cx='5' cy='5'/>", {"Encountered invalid parameters for circle"}, ""},
-      {"<circle cx='' r='2'/>", {"Encountered invalid parameters for circle"}, ""},
-      {"<ellipse cx='1' rx='2'/>", {"Encountered invalid parameters for ellipse"}, ""},
-      {"<ellipse cy='1' rx='2' ry='3'/>", {"Encountered invalid parameters for ellipse"}, ""},
-      {"<rect width='' height='4'/>", {"Encountered invalid parameters for rect"}, ""},
-      {"<rect width='4'/>", {"Encountered invalid parameters for rect"}, ""},
-      {"<polygon points=''/>", {"Encountered invalid parameters for polygon"}, ""},
-      {"<polygon/>", {"Encountered invalid parameters for polygon"}, ""},
+      {"<circle cx='' r='2'/><circle cx='5' cy='5'/>",
+       {kInvalid + "circle", kInvalid + "circle"},
+       ""},
+      {"<ellipse cx='1' rx='2'/><ellipse cy='1' rx='2' ry='3'/><ellipse cx='1' ry='3'/>",
+       {kInvalid + "ellipse", kInvalid + "ellipse", kInvalid + "ellipse"},
+       ""},
+      {"<rect width='4'/><rect width='' height='4'/>", {kInvalid + "rect", kInvalid + "rect"}, ""},
+      {"<polygon points=''/>", {kInvalid + "polygon"}, ""},
       // A path without data is dropped silently.
       {"<path id='p'/><path d=''/>", {}, ""},
       {"<rect width=' ' height='4'/>", {}, "rect x=0 y=0 w=0 h=4 rx=0 ry=0"},
-      {"<path D='M0 0L1 1' Fill-Rule='EvenOdd' ID='p1' fill='red'/><path d='m1 1'/>",
+      {"<path D='M0 0L1 1' Fill-Rule='EvenOdd' ID='p1' fill='red'/>",
        {},
-       "path#p1 d='M0 0L1 1' rule=EvenOdd fill=red; path d='m1 1'"},
+       "path#p1 d='M0 0L1 1' rule=EvenOdd fill=red"},
       // A missing or empty cy stays absent.
-      {"<circle cx='5' r='2'/><circle cx='5px' cy='6' r='2.5'/>",
+      {"<circle cx='5px' cy='6' r='2.5'/><ellipse cx='1' cy='' rx='2' ry='3' id='e'/>",
        {},
-       "circle cx=5 cy=- r=2; circle cx=5 cy=6 r=2.5"},
-      {"<ellipse cx='1' rx='2' ry='3'/><ellipse cx='1' cy='' rx='2' ry='3' id='e'/>",
-       {},
-       "ellipse cx=1 cy=- rx=2 ry=3; ellipse#e cx=1 cy=- rx=2 ry=3"},
+       "circle cx=5 cy=6 r=2.5; ellipse#e cx=1 cy=- rx=2 ry=3"},
       // Rectangle corner radii stand in for each other, unclamped.
-      {"<rect width='10' height='4' rx='2' ry='3'/><rect width='10' height='4' rx='2'/>"
-       "<rect width='10' height='4' ry='3'/><rect width='10' height='4' rx='100'/>"
+      {"<rect width='10' height='4' rx='2' ry='3'/><rect width='10' height='4' rx='100'/>"
        "<rect width='10' height='4' rx='' ry='3'/>",
        {},
-       "rect x=0 y=0 w=10 h=4 rx=2 ry=3; rect x=0 y=0 w=10 h=4 rx=2 ry=2; "
-       "rect x=0 y=0 w=10 h=4 rx=3 ry=3; rect x=0 y=0 w=10 h=4 rx=100 ry=100; "
+       "rect x=0 y=0 w=10 h=4 rx=2 ry=3; rect x=0 y=0 w=10 h=4 rx=100 ry=100; "
        "rect x=0 y=0 w=10 h=4 rx=3 ry=3"},
       // The later of two spellings wins.
-      {"<line x1='1' y1='abc'/><line X1='1' x1='2' x2='3e1' Y2=' -4.5px'/>"
+      {"<line X1='1' x1='2' y1='abc' x2='3e1' Y2=' -4.5px'/>"
        "<rect x='50%' y='auto' width='0.1' height='1e-1'/>",
        {},
-       "line x1=1 y1=0 x2=0 y2=0; line x1=2 y1=0 x2=30 y2=-4.5; rect x=50 y=0 w=0.1 h=0.1 rx=0 "
-       "ry=0"},
-      {"<polygon id='tri' points='0 0 10 0 10 10' fill='red'/>",
-       {},
-       "polygon#tri p=0,0 p=10,0 p=10,10 fill=red"},
+       "line x1=2 y1=0 x2=30 y2=-4.5; rect x=50 y=0 w=0.1 h=0.1 rx=0 ry=0"},
       {"<use HREF='#b' XLINK:HREF='#c' fill='red' Transform='scale(2)'/>",
        {},
        "use href='#b' xlink='#c' fill=red transform=scale(2)"},
@@ -110,17 +92,6 @@ TEST(ElementHandlers, MessagesAndComponents) {
     EXPECT_EQ(definition->errorMessages, c.messages);
     EXPECT_EQ(describe(*definition), c.components);
   }
-}
-
-TEST(ElementHandlers, ClipPathTagYieldsOnlyItsId) {
-  SVGDefinition definition;
-  const SVGEvent tag{
-      EventType::StartTag, "clipPath", {{"ID", "c1"}, {"fill", "red"}, {"id", "c2"}}};
-  EXPECT_EQ(readClipPathId(tag, definition), "c2");
-  EXPECT_EQ(definition.errorMessages,
-            (Messages{"Encountered unknown attribute for clippath: fill"}));
-  SVGDefinition other;
-  EXPECT_EQ(readClipPathId({EventType::StartTag, "clipPath", {}}, other), "");
 }
 
 }  // namespace

@@ -33,7 +33,6 @@ TEST(SVGXMLParser, Events) {
        {"S", "+symbol id=a ViewBox=0 0 1 1 fill=red", "-symbol", "E"}},
       {"<svg><g>", {}},
       {"", {}},
-      {"<svg>", {}},
       {"<a></b>", {}},
       {"<a/><b/>", {}},
   };

@@ -2,157 +2,96 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdio>
+#include <sstream>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "style/size_only_canvas.h"
 
 namespace tessaline {
 namespace {
 
-using A = PresentationAttributes;
-using Field = std::optional<std::string> A::*;
-using Cap = PaintStrokeCap;
-using Join = PaintStrokeLineJoin;
-using Paints = std::vector<const Paint*>;
-
-// A null text leaves the attribute absent. The view box gives two pixels per unit.
-PresentationPaint resolve(const char* fill, const char* stroke,
-                          std::initializer_list<std::pair<Field, const char*>> more = {}) {
-  A attributes;
-  if (fill) attributes.fill = fill;
-  if (stroke) attributes.stroke = stroke;
-  for (const auto& [field, value] : more) {
-    if (value) attributes.*field = value;
+// The paints resolved from "name=value;..." (a view box of two pixels per unit), in the order
+// getPaints() gives them: "F" fill or "S" stroke, the colour as RRGGBBAA, "/" the paint alpha, and
+// for a stroke its width in pixels, miter limit, cap and join; or the error.
+std::string paintsFor(std::string attributes) {
+  SVGEvent::Attributes list;
+  std::istringstream in(attributes);
+  for (std::string item; std::getline(in, item, ';');) {
+    const std::size_t equals = item.find('=');
+    list.emplace_back(item.substr(0, equals), item.substr(equals + 1));
   }
-  return PresentationPaint::get(testing::SizeOnlyCanvas(256, 256), {0, 0, 128, 128}, attributes);
-}
-
-std::string show(const char* text) {
-  return text ? '"' + std::string(text) + '"' : "absent";
-}
-
-TEST(PresentationPaint, ImplicitBlackFillAndFillBeforeStroke) {
-  const PresentationPaint none = resolve(nullptr, nullptr);
-  EXPECT_FALSE(none.error);
-  EXPECT_FALSE(none.stroke);
-  ASSERT_TRUE(none.fill);
-  EXPECT_EQ(none.fill->color, Color::black());
-  EXPECT_EQ(none.fill->alpha, 255);
-  EXPECT_EQ(none.getPaints(), Paints{&*none.fill});
-
-  const PresentationPaint both = resolve("#ff0000", "#0000ff");
-  ASSERT_TRUE(both.fill && both.stroke);
-  EXPECT_EQ(both.getPaints(), (Paints{&*both.fill, &*both.stroke}));
-  EXPECT_EQ(both.fill->color, (Color{1, 0, 0, 1}));
-  EXPECT_EQ(both.stroke->color, (Color{0, 0, 1, 1}));
-}
-
-TEST(PresentationPaint, NoneOrEmptyDropsAPaintAndAnInvalidColorDropsEvery) {
-  struct Case {
-    const char *fill, *stroke;
-    bool hasFill, hasStroke, invalid;
+  PresentationAttributes parsed;
+  parsed.parse({EventType::StartTag, "path", list});
+  const PresentationPaint paint =
+      PresentationPaint::get(testing::SizeOnlyCanvas(256, 256), {0, 0, 128, 128}, parsed);
+  if (paint.error) return *paint.error;
+  std::ostringstream out;
+  const auto color = [&](const Color& c, std::int64_t alpha) {
+    char hex[9];
+    std::snprintf(hex, sizeof hex, "%02lx%02lx%02lx%02lx", std::lround(c.red * 255),
+                  std::lround(c.green * 255), std::lround(c.blue * 255),
+                  std::lround(c.alpha * 255));
+    out << hex << '/' << alpha;
   };
-  const Case cases[] = {
-      {"none", nullptr, 0, 0, 0},  {"NONE", nullptr, 0, 0, 0},  {"", nullptr, 1, 0, 0},
-      {nullptr, "none", 1, 0, 0},  {nullptr, "", 1, 0, 0},      {"none", "none", 0, 0, 0},
-      {"none", "#fff", 0, 1, 0},   {"#fff", "#000", 1, 1, 0},   {"red", "#000", 0, 0, 1},
-      {"#000", "red", 0, 0, 1},    {"abc", "", 0, 0, 1},        {"xabc", "", 0, 0, 1},
-      {"rgb(0,0,0)", "", 0, 0, 1}, {"#12345", "none", 0, 0, 1}, {"none", "#ggg", 0, 0, 1}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(show(c.fill) + " / " + show(c.stroke));
-    const PresentationPaint paint = resolve(c.fill, c.stroke);
-    EXPECT_EQ(paint.error, c.invalid ? std::optional<std::string>("Invalid color") : std::nullopt);
-    EXPECT_EQ(paint.fill.has_value(), c.hasFill);
-    EXPECT_EQ(paint.stroke.has_value(), c.hasStroke);
-    EXPECT_EQ(paint.getPaints().size(), std::size_t{c.hasFill} + c.hasStroke);
+  for (const Paint* p : paint.getPaints()) {
+    if (auto* fill = dynamic_cast<const FillPaint*>(p)) {
+      out << (out.tellp() > 0 ? " F" : "F"), color(fill->color, fill->alpha);
+    } else if (auto* stroke = dynamic_cast<const StrokePaint*>(p)) {
+      out << (out.tellp() > 0 ? " S" : "S"), color(stroke->color, stroke->alpha);
+      out << " w" << stroke->strokeWidth << " m" << stroke->strokeMiter << " c"
+          << static_cast<int>(stroke->strokeCap) << " j" << static_cast<int>(stroke->strokeLine);
+    }
   }
+  return out.str();
 }
 
-TEST(PresentationPaint, ColorStrings) {
-  for (const auto& [text, expected] : {std::pair{"#abc", *Color::fromHexString("#aabbcc")},
-                                       {"aabbcc", *Color::fromHexString("#aabbcc")},
-                                       {"#aabbcc80", *Color::fromHexString("#aabbcc80")},
-                                       {"currentColor", Color::black()},
-                                       {"CURRENTCOLOR", Color::black()}}) {
-    SCOPED_TRACE(text);
-    const PresentationPaint paint = resolve(text, nullptr);
-    ASSERT_TRUE(paint.fill);
-    EXPECT_EQ(paint.fill->color, expected);
-  }
-  // The implicit black fill takes the opacities too.
-  EXPECT_EQ(resolve(nullptr, nullptr, {{&A::fillOpacity, "0.25"}}).fill->alpha, 63);
-}
-
+// Without fill or stroke the fill is black, but a stroke alone draws no implicit fill. "none" in
+// any case drops a paint and an empty one counts as absent; an invalid colour (keywords other
+// than currentColor included) drops every paint. Four characters double the last three.
 // Opacity is multiplied by 255 in float, truncated and clamped; a fill opacity replaces it for
-// the fill only, and an empty one counts as absent.
-TEST(PresentationPaint, OpacityAndFillOpacity) {
-  struct Case {
-    const char *opacity, *fillOpacity;
-    std::int64_t fill, stroke;
+// the fill only. Widths are converted to pixels, the miter limit is at least 1, and caps (butt,
+// round, square) and joins (miter, bevel, round) fold case but are not trimmed.
+TEST(PresentationPaint, Resolves) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"", "F000000ff/255"},
+      {"fill=#ff0000;stroke=#0000ff", "Fff0000ff/255 S0000ffff/255 w2 m4 c0 j0"},
+      {"fill=NONE", ""},
+      {"fill=;stroke=", "F000000ff/255"},
+      {"fill=none;stroke=#fff", "Sffffffff/255 w2 m4 c0 j0"},
+      {"fill=red;stroke=#000", "Invalid color"},
+      {"fill=#000;stroke=red", "Invalid color"},
+      {"fill=xabc", "Invalid color"},
+      {"fill=rgb(0,0,0)", "Invalid color"},
+      {"fill=#12345;stroke=none", "Invalid color"},
+      {"fill=#abc", "Faabbccff/255"},
+      {"fill=aabbcc", "Faabbccff/255"},
+      {"fill=#aabbcc80", "Faabbcc80/255"},
+      {"fill=CURRENTCOLOR", "F000000ff/255"},
+      {"stroke=#000;opacity=0.999", "S000000ff/254 w2 m4 c0 j0"},
+      {"fill=#fff;opacity=2", "Fffffffff/255"},
+      {"fill=#fff;opacity=-0.001", "Fffffffff/0"},
+      {"fill=#fff;opacity=abc", "Fffffffff/0"},
+      {"fill=#fff;opacity=0.2px", "Fffffffff/51"},
+      {"fill=#fff;opacity=1e39", "Fffffffff/255"},
+      {"fill=#fff;opacity=-1e39", "Fffffffff/0"},
+      {"fill=#fff;stroke=#000;opacity=0.5;fill-opacity=1",
+       "Fffffffff/255 S000000ff/127 w2 m4 c0 j0"},
+      {"fill=#fff;stroke=#000;fill-opacity=0.5", "Fffffffff/127 S000000ff/255 w2 m4 c0 j0"},
+      {"fill=#fff;opacity=0.5;fill-opacity=", "Fffffffff/127"},
+      {"fill-opacity=0.25", "F000000ff/63"},
+      {"stroke=#000;stroke-width=2px;stroke-miterlimit=0.5", "S000000ff/255 w4 m1 c0 j0"},
+      {"stroke=#000;stroke-width= 0.25;stroke-miterlimit=abc", "S000000ff/255 w0.5 m1 c0 j0"},
+      {"stroke=#000;stroke-width=abc;stroke-miterlimit=1.5", "S000000ff/255 w0 m1.5 c0 j0"},
+      {"stroke=#000;stroke-width=;stroke-miterlimit=", "S000000ff/255 w2 m4 c0 j0"},
+      {"stroke=#000;stroke-linecap=Round;stroke-linejoin=bevel", "S000000ff/255 w2 m4 c1 j1"},
+      {"stroke=#000;stroke-linecap=SQUARE;stroke-linejoin=ROUND", "S000000ff/255 w2 m4 c2 j2"},
+      {"stroke=#000;stroke-linecap= round;stroke-linejoin=round ", "S000000ff/255 w2 m4 c0 j0"},
+      {"stroke=#000;stroke-linecap=round;stroke-linejoin=ARCS", "S000000ff/255 w2 m4 c1 j0"},
   };
-  const Case cases[] = {
-      {"0.5", nullptr, 127, 127}, {"0.999", nullptr, 254, 254}, {"1", nullptr, 255, 255},
-      {"2", nullptr, 255, 255},   {"-1", nullptr, 0, 0},        {"-0.001", nullptr, 0, 0},
-      {"abc", nullptr, 0, 0},     {"0.2px", nullptr, 51, 51},   {"1e30", nullptr, 255, 255},
-      {"-1e30", nullptr, 0, 0},   {"1e39", nullptr, 255, 255},  {"-1e39", nullptr, 0, 0},
-      {"0.5", "1", 255, 127},     {nullptr, "0.5", 127, 255},   {"0.5", "", 127, 127}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(show(c.opacity) + " / " + show(c.fillOpacity));
-    const PresentationPaint paint =
-        resolve("#fff", "#000", {{&A::opacity, c.opacity}, {&A::fillOpacity, c.fillOpacity}});
-    ASSERT_TRUE(paint.fill && paint.stroke);
-    EXPECT_EQ(paint.fill->alpha, c.fill);
-    EXPECT_EQ(paint.stroke->alpha, c.stroke);
-  }
-}
-
-// The stroke of "#000" with one more attribute set; a stroke alone draws no implicit fill.
-StrokePaint strokeWith(Field field, const char* value) {
-  const PresentationPaint paint = resolve(nullptr, "#000", {{field, value}});
-  EXPECT_FALSE(paint.error || paint.fill) << value;
-  const StrokePaint none(Color{}, -1, -1, -1, Cap::Butt, Join::Miter);
-  EXPECT_EQ(paint.stroke.value_or(none).color, Color::black()) << value;
-  EXPECT_EQ(paint.stroke.value_or(none).alpha, 255) << value;
-  return paint.stroke.value_or(none);
-}
-
-// Widths are converted to pixels, the miter limit is at least 1, and caps and joins fold case
-// but are not trimmed.
-TEST(PresentationPaint, StrokeAttributes) {
-  const StrokePaint defaults = strokeWith(&A::stroke, "#000");
-  EXPECT_EQ(defaults.strokeWidth, 2.0f);  // 1 unit at two pixels per unit
-  EXPECT_EQ(defaults.strokeMiter, 4.0f);
-  EXPECT_EQ(defaults.strokeCap, Cap::Butt);
-  EXPECT_EQ(defaults.strokeLine, Join::Miter);
-  for (auto [text, width] :
-       {std::pair{"3", 6.0f}, {"2px", 4.0f}, {" 0.25", 0.5f}, {"abc", 0.0f}, {"", 2.0f}}) {
-    EXPECT_EQ(strokeWith(&A::strokeWidth, text).strokeWidth, width) << text;
-  }
-  for (auto [text, miter] : {std::pair{"0.5", 1.0f},
-                             {"1", 1.0f},
-                             {"-3", 1.0f},
-                             {"abc", 1.0f},
-                             {"1.5", 1.5f},
-                             {"10", 10.0f},
-                             {"", 4.0f}}) {
-    EXPECT_EQ(strokeWith(&A::strokeMiterLimit, text).strokeMiter, miter) << text;
-  }
-  for (auto [text, cap] : {std::pair{"butt", Cap::Butt},
-                           {"Round", Cap::Round},
-                           {"SQUARE", Cap::Square},
-                           {" round", Cap::Butt},
-                           {"bogus", Cap::Butt}}) {
-    EXPECT_EQ(strokeWith(&A::strokeLineCap, text).strokeCap, cap) << text;
-  }
-  for (auto [text, join] : {std::pair{"ARCS", Join::Miter},
-                            {"Miter-Clip", Join::Miter},
-                            {"bevel", Join::Bevel},
-                            {"ROUND", Join::Round},
-                            {"round ", Join::Miter},
-                            {"bogus", Join::Miter}}) {
-    EXPECT_EQ(strokeWith(&A::strokeLineJoin, text).strokeLine, join) << text;
+  for (const auto& [attributes, paints] : cases) {
+    EXPECT_EQ(paintsFor(attributes), paints) << attributes;
   }
 }
 
