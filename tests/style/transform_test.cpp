@@ -44,15 +44,6 @@ TEST(ConvertXToVP, DividesByTheLargerViewBoxToCanvasRatio) {
   EXPECT_EQ(convertXToVP(3.0f, {0, 0, 100, 100}, SizeOnlyCanvas(200, 100)), 3.0f);
 }
 
-TEST(TransformHelper, NoTransformGivesThePureViewportScale) {
-  for (const std::optional<std::string>& text : {std::optional<std::string>{}, {""}}) {
-    const TransformResult result =
-        TransformHelper::getTransformMatrix(text, SizeOnlyCanvas(200, 200), {0, 0, 100, 50});
-    EXPECT_FALSE(result.error);
-    EXPECT_EQ(result.matrix, AffineTransform::makeScale(2, 2));
-  }
-}
-
 // The rightmost function acts first and the viewport scale last. Functions are separated by spaces
 // or nothing, and one with the wrong number of parameters is dropped silently. Parameters split on
 // blanks only (so "rotate(90,10,10)" is one piece, read as 90, about the origin) and are read
@@ -64,7 +55,8 @@ TEST(TransformHelper, MapsPoints) {
     const char* text;
     double fromX, fromY, toX, toY;
   };
-  const Case cases[] = {{"translate(10 0) scale(2)", 1, 1, 12, 2},
+  const Case cases[] = {{"", 1, 1, 1, 1},
+                        {"translate(10 0) scale(2)", 1, 1, 12, 2},
                         {"translate(10 0) matrix(2 0 0 2 0 0)", 1, 1, 12, 2},
                         {"translate(10)rotate(90)   ", 1, 0, 10, 1},
                         {"scale(2 3)", 3, 4, 6, 12},
