@@ -18,6 +18,8 @@ namespace tessaline::testing {
 
 namespace fs = std::filesystem;
 
+inline const std::string kSample = std::string(TESSALINE_TEST_DATA) + "/render/cli_sample.svg";
+
 struct CommandResult {
   int status = -1;
   std::string out;
@@ -28,8 +30,7 @@ using Pixel = std::array<int, 4>;  // straight-alpha RGBA
 
 // An 8-bit RGBA picture read back from a PNG the command wrote.
 struct RgbaPng {
-  int width = 0;
-  int height = 0;
+  int width = 0, height = 0;
   std::vector<unsigned char> rgba;
 
   Pixel at(int x, int y) const {
