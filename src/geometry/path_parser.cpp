@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "platform/case_folding.h"
 #include "platform/fatal.h"
 #include "platform/number_reader.h"
 
@@ -91,9 +92,6 @@ const CommandParameters* parametersFor(char letter) {
   }
 }
 
-// KELVIN SIGN, the one character outside ASCII whose lower case is a single ASCII letter ("k").
-constexpr std::string_view kKelvinSign = "\xE2\x84\xAA";
-
 bool isAsciiLetter(int code) {
   return (code >= 'a' && code <= 'z') || (code >= 'A' && code <= 'Z');
 }
@@ -179,6 +177,7 @@ bool PathParser::isNextCharALetter(std::int64_t check) const {
     if (code != ' ') break;
     if (count <= i) return false;
   }
+  // The letter test lower-cases the character, and the Kelvin sign lower-cases to "k".
   if (code == detail::PathText::kNotAscii) return text_.characterAt(i) == kKelvinSign;
   return isAsciiLetter(code);
 }

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "platform/ascii_case.h"
+#include "platform/case_folding.h"
 
 namespace tessaline {
 
@@ -18,8 +18,7 @@ class FoldedName {
   explicit FoldedName(std::string_view name) {
     // A longer name cannot match: it is left empty, and no recognised name is empty.
     if (name.size() > kCapacity) return;
-    for (std::size_t i = 0; i < name.size(); ++i) text_[i] = foldAsciiCase(name[i]);
-    size_ = name.size();
+    foldCase(name, [&](char c) { text_[size_++] = c; });
   }
 
   std::string_view view() const { return {text_, size_}; }
@@ -30,21 +29,13 @@ class FoldedName {
   std::size_t size_ = 0;
 };
 
-// Whether folding would change `name`.
-inline bool hasAsciiUpperCase(std::string_view name) {
-  for (char c : name) {
-    if (c >= 'A' && c <= 'Z') return true;
-  }
-  return false;
-}
-
 // What `lookUp` gives for the folded form of `name`, `notFound` being its answer for a name it
 // does not know. Documents mostly write their names in lower case already, so the name is tried
 // as written first and folded only when that fails and folding would change it.
 template <typename LookUp, typename Result>
 Result lookUpFolded(std::string_view name, LookUp&& lookUp, Result notFound) {
   const Result found = lookUp(name);
-  if (found != notFound || !hasAsciiUpperCase(name)) return found;
+  if (found != notFound || !foldingChanges(name)) return found;
   return lookUp(FoldedName(name).view());
 }
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 
+#include "platform/case_folding.h"
 #include "platform/number_reader.h"
 #include "platform/utf8_text.h"
 #include "style/transform.h"
@@ -17,16 +18,6 @@ constexpr float kDefaultStrokeWidth = 1.0f;
 constexpr float kDefaultMiterLimit = 4.0f;
 constexpr float kMinimumMiterLimit = 1.0f;
 constexpr std::int64_t kOpaque = 255;
-
-// Keywords are compared after folding to lower case. They are all ASCII, so folding the ASCII
-// letters is all a match can need.
-std::string foldAsciiCase(std::string_view text) {
-  std::string folded(text);
-  for (char& c : folded) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return folded;
-}
 
 template <typename Value>
 struct Keyword {
@@ -54,7 +45,7 @@ template <typename Value, std::size_t N>
 Value lookUpKeyword(const std::array<Keyword<Value>, N>& table,
                     const std::optional<std::string>& text, Value fallback) {
   if (!text) return fallback;
-  const std::string folded = foldAsciiCase(*text);
+  const std::string folded = foldCase(*text);
   const auto found = std::lower_bound(
       table.begin(), table.end(), folded,
       [](const Keyword<Value>& keyword, const std::string& name) { return keyword.name < name; });
@@ -66,7 +57,7 @@ bool hasValue(const std::optional<std::string>& text) {
 }
 
 bool equalsFolded(const std::optional<std::string>& text, std::string_view lowerCase) {
-  return text && foldAsciiCase(*text) == lowerCase;
+  return text && foldCase(*text) == lowerCase;
 }
 
 // An opacity as a paint alpha: times 255 in float, truncated toward zero, clamped to 0...255.

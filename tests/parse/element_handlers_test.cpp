@@ -82,7 +82,7 @@ TEST(ElementHandlers, MessagesAndComponents) {
        "<rect x='50%' y='auto' width='0.1' height='1e-1'/>",
        {},
        "line x1=2 y1=0 x2=30 y2=-4.5; rect x=50 y=0 w=0.1 h=0.1 rx=0 ry=0"},
-      {"<use HREF='#b' XLINK:HREF='#c' fill='red' Transform='scale(2)'/>",
+      {"<use HREF='#b' XLIN\u212A:HREF='#c' fill='red' Transform='scale(2)'/>",
        {},
        "use href='#b' xlink='#c' fill=red transform=scale(2)"},
   };

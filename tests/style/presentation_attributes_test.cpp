@@ -35,10 +35,11 @@ Fields fieldsOf(const A& a) {
           a.strokeWidth, a.strokeMiterLimit, a.strokeLineCap, a.strokeLineJoin, a.clipPath};
 }
 
+// Names fold as Unicode lower-casing does: the Kelvin sign (U+212A) becomes "k".
 TEST(PresentationAttributes, RoutesEachNameToItsFieldWhateverTheCaseAndKeepsValuesAsWritten) {
   A attributes;
   const Names consumed = attributes.parse(
-      tag("FILL=Red|Opacity=0.5|fill-opacity= 0.25 |transform=s(2)|stroke=blue|Stroke-Width=2|"
+      tag("FILL=Red|Opacity=0.5|fill-opacity= 0.25 |transform=s(2)|STRO\u212AE=blue|Stroke-Width=2|"
           "stroke-miterlimit=4|stroke-linecap=Round|stroke-linejoin=bevel|CLIP-PATH=url(#c)|"
           "d=M0 0|fillx=1|id=x"));
   EXPECT_EQ(consumed,
