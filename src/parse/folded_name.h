@@ -18,7 +18,7 @@ class FoldedName {
   explicit FoldedName(std::string_view name) {
     // A longer name cannot match: it is left empty, and no recognised name is empty.
     if (name.size() > kCapacity) return;
-    foldCase(name, [&](char c) { text_[size_++] = c; });
+    size_ = foldCase(name, text_);
   }
 
   std::string_view view() const { return {text_, size_}; }
@@ -35,7 +35,7 @@ class FoldedName {
 template <typename LookUp, typename Result>
 Result lookUpFolded(std::string_view name, LookUp&& lookUp, Result notFound) {
   const Result found = lookUp(name);
-  if (found != notFound || !foldingChanges(name)) return found;
+  if (found != notFound || !foldingMayChange(name)) return found;
   return lookUp(FoldedName(name).view());
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -16,32 +17,45 @@ inline char foldAsciiCase(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
 }
 
-// Calls emit(c) for each byte of `text` folded to lower case.
-template <typename Emit>
-void foldCase(std::string_view text, Emit&& emit) {
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text.compare(i, kKelvinSign.size(), kKelvinSign) == 0) {
-      emit('k');
-      i += kKelvinSign.size() - 1;
-    } else {
-      emit(foldAsciiCase(text[i]));
-    }
+namespace detail {
+// foldCase for text that is not all ASCII.
+std::size_t foldCaseBeyondAscii(std::string_view text, char* out);
+}  // namespace detail
+
+// Folds `text` to lower case into `out`, which has room for text.size() bytes; returns the
+// folded length (shorter than the text only where a Kelvin sign was folded).
+inline std::size_t foldCase(std::string_view text, char* out) {
+  unsigned char bytesOred = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {  // names are nearly always done here
+    out[i] = foldAsciiCase(text[i]);
+    bytesOred |= static_cast<unsigned char>(text[i]);
   }
+  return bytesOred < 0x80 ? text.size() : detail::foldCaseBeyondAscii(text, out);
 }
 
 inline std::string foldCase(std::string_view text) {
-  std::string folded;
-  folded.reserve(text.size());
-  foldCase(text, [&](char c) { folded.push_back(c); });
+  std::string folded(text.size(), '\0');
+  folded.resize(foldCase(text, folded.data()));
   return folded;
 }
 
-// Whether folding would change `text`.
-inline bool foldingChanges(std::string_view text) {
+namespace detail {
+// Bytes that folding may change: the ASCII capitals and the first byte of the Kelvin sign.
+inline constexpr auto kMayFold = [] {
+  std::array<bool, 256> table{};
+  for (int c = 'A'; c <= 'Z'; ++c) table[c] = true;
+  table[static_cast<unsigned char>(kKelvinSign[0])] = true;
+  return table;
+}();
+}  // namespace detail
+
+// Whether folding may change `text`. Lookups of names call this on every miss, so it costs one
+// table load per byte, no more than a test for capitals alone.
+inline bool foldingMayChange(std::string_view text) {
   for (char c : text) {
-    if (c >= 'A' && c <= 'Z') return true;
+    if (detail::kMayFold[static_cast<unsigned char>(c)]) return true;
   }
-  return text.find(kKelvinSign) != std::string_view::npos;
+  return false;
 }
 
 }  // namespace tessaline
