@@ -13,6 +13,7 @@
 #include "parse/element_handlers.h"
 #include "parse/folded_name.h"
 #include "parse/svg_definition.h"
+#include "platform/character_search.h"
 #include "platform/number_reader.h"
 #include "platform/xml_reader.h"
 #include "style/presentation_attributes.h"
@@ -25,20 +26,13 @@ constexpr std::string_view kUnknownSymbolAttribute =
     "Encountered unknown attribute for symbol: $attrName";
 constexpr std::string_view kNoDefinitionForKey = "No SVG Definition found for key";
 
-// "a b c d" split on single blanks. The third and fourth numbers are the far corner, not a size,
-// which is how the documents this library serves were written; anything but exactly four pieces
-// (commas, doubled blanks, a trailing blank) gives no box at all.
+// "a b c d" split on single blanks (not on a blank carrying a combining mark). The third and
+// fourth numbers are the far corner, not a size, which is how the documents this library serves
+// were written; anything but exactly four pieces (commas, doubled blanks, a trailing blank) gives
+// no box at all.
 std::optional<Rect> readViewBox(std::string_view value) {
-  std::string_view pieces[4];
-  std::size_t count = 0;
-  while (true) {
-    if (count == 4) return std::nullopt;
-    const std::size_t blank = value.find(' ');
-    pieces[count++] = value.substr(0, blank);
-    if (blank == std::string_view::npos) break;
-    value.remove_prefix(blank + 1);
-  }
-  if (count != 4) return std::nullopt;
+  const std::vector<std::string_view> pieces = splitOnCharacters(value, " ");
+  if (pieces.size() != 4) return std::nullopt;
   const float a = readLenientFloat(pieces[0]);
   const float b = readLenientFloat(pieces[1]);
   const float c = readLenientFloat(pieces[2]);
@@ -131,7 +125,9 @@ class SpriteReader final : public XmlReaderCallbacks {
           // Namespace declarations are the document's business, not the symbol's.
           break;
         case AttributeName::ViewBox:
-          viewBox = readViewBox(attribute.value);
+          // A malformed one leaves the box of an earlier, valid one (say "viewBox" before
+          // "VIEWBOX") in place.
+          if (std::optional<Rect> box = readViewBox(attribute.value)) viewBox = box;
           break;
         default:
           if (!consumed.contains(attribute.name)) ++unknown;

@@ -5,6 +5,7 @@
 
 #include "geometry/path_builder.h"
 #include "geometry/path_parser.h"
+#include "platform/character_search.h"
 #include "platform/fatal.h"
 #include "platform/number_reader.h"
 
@@ -19,21 +20,6 @@ constexpr std::string_view kOddPointList = "polygon point list read past its end
 
 DrawPathResult missing(std::string_view message) {
   return {std::nullopt, std::string(message), std::nullopt};
-}
-
-// Splits at every occurrence of `separator`, keeping the empty pieces between adjacent ones.
-std::vector<std::string_view> splitKeepingEmpty(std::string_view text, char separator) {
-  std::vector<std::string_view> pieces;
-  std::size_t from = 0;
-  while (true) {
-    const std::size_t at = text.find(separator, from);
-    if (at == std::string_view::npos) {
-      pieces.push_back(text.substr(from));
-      return pieces;
-    }
-    pieces.push_back(text.substr(from, at - from));
-    from = at + 1;
-  }
 }
 
 float pointComponent(std::string_view text) {
@@ -92,9 +78,10 @@ namespace {
 
 // Spaces take precedence: "0,0 10,0" gives the components "0,0" and "10,0", each contributing
 // only its leading number. Commas separate only a text without any space. Empty components count.
+// A space or comma that carries a combining mark is another character and separates nothing.
 std::vector<std::string_view> pointComponents(std::string_view pointsText) {
-  std::vector<std::string_view> components = splitKeepingEmpty(pointsText, ' ');
-  if (components.size() == 1) components = splitKeepingEmpty(pointsText, ',');
+  std::vector<std::string_view> components = splitOnCharacters(pointsText, " ");
+  if (components.size() == 1) components = splitOnCharacters(pointsText, ",");
   return components;
 }
 

@@ -7,6 +7,7 @@
 #include "geometry/path_parser.h"
 #include "parse/svg_component.h"
 #include "parse/svg_definition.h"
+#include "platform/character_search.h"
 #include "platform/fatal.h"
 
 namespace tessaline {
@@ -57,8 +58,10 @@ PresentationAttributeSVGComponent::ClipResult PresentationAttributeSVGComponent:
   if (!useAttributes.clipPath) return {};
   const std::string_view value = *useAttributes.clipPath;
 
-  if (value.starts_with(kUrlPrefix)) {
-    const std::size_t close = value.find(')');
+  // Prefixes and closing marks count only as whole characters: a ")" or "'" that carries a
+  // combining mark closes nothing, and a "#" or "'" with one opens nothing.
+  if (startsWithCharacters(value, kUrlPrefix)) {
+    const std::size_t close = findCharacters(value, ")");
     if (close == std::string_view::npos) return {std::nullopt, kUnableToFindClipPathForKey};
     // The key is taken as written, blanks included.
     const std::string_view key = value.substr(kUrlPrefix.size(), close - kUrlPrefix.size());
@@ -66,8 +69,8 @@ PresentationAttributeSVGComponent::ClipResult PresentationAttributeSVGComponent:
     return {std::nullopt, kUnableToFindClipPathForKey};
   }
 
-  if (value.starts_with(kPathPrefix)) {
-    const std::size_t close = value.find(kPathSuffix);
+  if (startsWithCharacters(value, kPathPrefix)) {
+    const std::size_t close = findCharacters(value, kPathSuffix);
     if (close == std::string_view::npos) return {std::nullopt, kUnableToFindClipPathData};
     // In "path(')" the closing quote found is the opening one, so the data would end before it
     // starts. That range check is a deliberate stop, kept rather than turned into a message.

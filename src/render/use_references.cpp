@@ -5,6 +5,7 @@
 
 #include "parse/svg_component.h"
 #include "parse/svg_definition.h"
+#include "platform/character_search.h"
 #include "tessaline/svg_file.h"
 
 #ifdef TESSALINE_FUZZING
@@ -19,8 +20,9 @@ constexpr const char* kNoSvgFoundForHrefLink = "No SVG found for href link";
 constexpr const char* kErrorSeparator = ", ";
 
 std::optional<std::string> keyOf(const std::string& reference) {
-  // Only same-document references ("#id") name a key; "#" alone names nothing.
-  if (reference.size() > 1 && reference.front() == '#') return reference.substr(1);
+  // Only same-document references ("#id") name a key; "#" alone names nothing, and neither does
+  // a "#" that carries a combining mark, which is another character.
+  if (reference.size() > 1 && startsWithCharacters(reference, "#")) return reference.substr(1);
   return std::nullopt;
 }
 

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 #include "parse/folded_name.h"
+#include "platform/character_search.h"
 
 namespace tessaline {
 namespace {
@@ -92,29 +94,17 @@ int lookUpRaw(std::string_view attrName) {
   return lookUpFolded(attrName, lookUp, -1);
 }
 
-// The pieces of `text` between separators, empty ones dropped, without building a list: a style
-// is taken apart on every element that has one.
-class Pieces {
- public:
-  Pieces(std::string_view text, char separator) : rest_(text), separator_(separator) {}
+// The pieces of `text` between separators, empty ones dropped. A ";" or ":" that carries a
+// combining mark is another character and separates nothing.
+std::vector<std::string_view> nonEmptyPieces(std::string_view text, std::string_view separator) {
+  std::vector<std::string_view> pieces = splitOnCharacters(text, separator);
+  std::erase_if(pieces, [](std::string_view piece) { return piece.empty(); });
+  return pieces;
+}
 
-  // The next non-empty piece, or false when there is none.
-  bool next(std::string_view& piece) {
-    while (!rest_.empty()) {
-      const std::size_t end = std::min(rest_.find(separator_), rest_.size());
-      piece = rest_.substr(0, end);
-      rest_.remove_prefix(std::min(end + 1, rest_.size()));
-      if (end > 0) return true;
-    }
-    return false;
-  }
-
- private:
-  std::string_view rest_;
-  char separator_;
-};
-
-// Blanks and tabs only: a line break inside a declaration is part of its name or value.
+// Blanks and tabs only: a line break inside a declaration is part of its name or value. Unlike
+// the splitting, trimming works on code points, so a blank is trimmed even when a combining mark
+// follows it.
 std::string_view trimBlanks(std::string_view text) {
   const std::size_t first = text.find_first_not_of(" \t");
   if (first == std::string_view::npos) return {};
@@ -184,18 +174,14 @@ int PresentationAttributes::processAttribute(std::string_view attrName,
       // Every well-formed declaration is applied; one malformed declaration only withholds
       // "style" from the consumed names, so the element reports the attribute as unknown.
       bool wellFormed = true;
-      Pieces declarations(attrValue, ';');
-      for (std::string_view declaration; declarations.next(declaration);) {
-        Pieces parts(declaration, ':');
-        std::string_view name;
-        std::string_view value;
-        std::string_view extra;
-        if (!parts.next(name) || !parts.next(value) || parts.next(extra)) {
+      for (const std::string_view declaration : nonEmptyPieces(attrValue, ";")) {
+        const std::vector<std::string_view> parts = nonEmptyPieces(declaration, ":");
+        if (parts.size() != 2) {
           wellFormed = false;
           continue;
         }
         // Unknown properties inside a style are ignored without a trace.
-        (void)processAttribute(trimBlanks(name), trimBlanks(value));
+        (void)processAttribute(trimBlanks(parts[0]), trimBlanks(parts[1]));
       }
       if (!wellFormed) return -1;
       break;

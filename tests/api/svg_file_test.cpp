@@ -44,6 +44,8 @@ TEST(SVGFile, SymbolAttributes) {
       {"viewBox='0  0 24 24' width='5' height='6'", Rect{0, 0, 5, 6}},
       {"viewBox='0 0 24 24 ' width='5' height='6'", Rect{0, 0, 5, 6}},
       {"viewBox='0 0 24' width='5' height='6'", Rect{0, 0, 5, 6}},
+      {"viewBox='0 0 24 \u030124' width='5' height='6'", Rect{0, 0, 5, 6}},  // marked blank
+      {"viewBox='0 0 24 24' VIEWBOX='1 2'", Rect{0, 0, 24, 24}},  // invalid keeps the valid one
       {"viewBox='0 0 24 24' width='5' height='6'", Rect{0, 0, 24, 24}},
       {"width='5' height=''", std::nullopt},
       {"viewBox='0,0,24,24'", std::nullopt},

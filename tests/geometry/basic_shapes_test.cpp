@@ -87,6 +87,8 @@ std::vector<Point> pointsOf(std::string_view text) {
 TEST(PolygonComponent, ReadsEachComponentLeniently) {
   EXPECT_EQ(pointsOf("1  2 3"), (std::vector<Point>{{1, 0}, {2, 3}}));
   EXPECT_EQ(pointsOf("1.5px -2e1 abc 4"), (std::vector<Point>{{1.5, -20}, {0, 4}}));
+  // A blank carrying a combining mark separates nothing.
+  EXPECT_EQ(pointsOf("1 \u03012 3 \u03014"), (std::vector<Point>{{1, 3}}));
   // The outline is closed; a missing id is empty.
   const DrawPathResult result =
       PolygonComponent("t", "0 0 10 0 10 10", kNoAttributes).getDrawPath();
@@ -98,7 +100,7 @@ TEST(PolygonComponent, ReadsEachComponentLeniently) {
 using PolygonComponentDeathTest = ::testing::Test;
 
 TEST(PolygonComponentDeathTest, AnOddNumberOfComponentsStops) {
-  for (const char* text : {"0 0 10", "", "1,2,3", "1 2 "}) {
+  for (const char* text : {"0 0 10", "", "1,2,3", "1 2 ", "1 \u03012"}) {
     EXPECT_DEATH(pointsOf(text), "polygon point list read past its end") << text;
   }
 }

@@ -126,8 +126,11 @@ TEST(ClipPaths, ClipPathValues) {
       // Only the defs are searched.
       {"Unable to find clip path for key",
        {"url(#c", "url(#C)", "url(#emptied)", "url(#use-first)", "url(#outside)"}},
-      {"Invalid Clip Path Pointer", {"URL(#c)", "none"}},
-      {"Unable to find clip path data", {"path('M0 0 L10 0"}},
+      // A combining mark makes the character it follows another one: "#", ")" and "'" included.
+      {"Unable to find clip path for key", {"url(#c)\u0301"}},
+      {"Invalid Clip Path Pointer",
+       {"URL(#c)", "none", "url(#\u0301c)", "path('\u0301M0 0 L10 0 L10 10 Z')"}},
+      {"Unable to find clip path data", {"path('M0 0 L10 0", "path('M0 0 L10 0 L10 10 Z')\u0301"}},
       {"SVG must start with m or M", {"path('L0 0')"}},
       // Unlike a shape's own data, inline clip data is all or nothing.
       {"L/l command must have an X value", {"path('M0 0 L10 0 L')"}},

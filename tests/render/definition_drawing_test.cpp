@@ -123,6 +123,7 @@ TEST(UseReferences, LinkKeys) {
       {"a", "#b", ""},               // href without "#": hrefLink ("b" answers "")
       {"#", "#a", "drew local a"},   // "#" alone names nothing
       {"#", "", "No link key found"},
+      {"#\u0301b", "#a", "drew local a"},  // "#" with a combining mark is another character
       {"other.svg#a", "", "No link key found"},
       {"#missing", "#a", "No SVG found for href link"},
       {"#quiet", "", ""},  // a symbol without errors gives the empty text

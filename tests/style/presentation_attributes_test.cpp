@@ -83,6 +83,10 @@ TEST(PresentationAttributes, StyleDeclarationsAreTrimmedAndReportedOnlyWhenAllAr
       {"\tFILL\t:\tRed \t", true, "Red", std::nullopt},
       {"fill: \n red", true, "\n red", std::nullopt},  // line breaks are not trimmed
       {"fill: ;stroke:x", true, "", "x"},  // a value of blanks is a part, trimmed to nothing
+      // A separator carrying a combining mark separates nothing.
+      {"fill:#f00;\u0301stroke:#00f", false, std::nullopt, std::nullopt},
+      {"fill:\u0301#f00", false, std::nullopt, std::nullopt},
+      {"fill: \u0301#f00", true, "\u0301#f00", std::nullopt},  // trimmed below the character
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.style);

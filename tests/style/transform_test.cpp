@@ -47,9 +47,9 @@ TEST(ConvertXToVP, DividesByTheLargerViewBoxToCanvasRatio) {
 // The rightmost function acts first and the viewport scale last. Functions are separated by spaces
 // or nothing, and one with the wrong number of parameters is dropped silently. Parameters split on
 // blanks only (so "rotate(90,10,10)" is one piece, read as 90, about the origin) and are read
-// leniently. Without ")" the parameter text is the one character after "(", counted in
-// characters, not bytes ("€" reads as 0), and the character after it is skipped whatever it is;
-// a later ")" closes the parameters however far away it is.
+// leniently; a blank carrying a combining mark is no blank. Without ")" the parameter text is the
+// one character after "(", counted in characters, not bytes ("€" reads as 0), and the character
+// after it is skipped whatever it is; a later ")" closes the parameters however far away it is.
 TEST(TransformHelper, MapsPoints) {
   struct Case {
     const char* text;
@@ -69,6 +69,7 @@ TEST(TransformHelper, MapsPoints) {
                         {"translate(  10   20 )", 0, 0, 10, 20},
                         {"translate(1e1 2px)", 0, 0, 10, 2},
                         {"translate(abc 3)", 0, 0, 0, 3},
+                        {"scale(2 \u0301)", 1, 1, 2, 2},
                         {"scale(22", 1, 1, 2, 2},
                         {"scale(€", 1, 1, 0, 0},
                         {"scale(23translate(5", 1, 1, 12, 2},
