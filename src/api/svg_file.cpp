@@ -31,8 +31,14 @@ constexpr std::string_view kNoDefinitionForKey = "No SVG Definition found for ke
 // were written; anything but exactly four pieces (commas, doubled blanks, a trailing blank) gives
 // no box at all.
 std::optional<Rect> readViewBox(std::string_view value) {
-  const std::vector<std::string_view> pieces = splitOnCharacters(value, " ");
-  if (pieces.size() != 4) return std::nullopt;
+  std::string_view pieces[4];
+  std::size_t count = 0;
+  CharacterSplitter splitter(value, " ");
+  for (std::string_view piece; splitter.next(piece);) {
+    if (count == 4) return std::nullopt;
+    pieces[count++] = piece;
+  }
+  if (count != 4) return std::nullopt;
   const float a = readLenientFloat(pieces[0]);
   const float b = readLenientFloat(pieces[1]);
   const float c = readLenientFloat(pieces[2]);

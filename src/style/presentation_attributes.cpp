@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <vector>
 
 #include "parse/folded_name.h"
 #include "platform/character_search.h"
@@ -94,13 +93,24 @@ int lookUpRaw(std::string_view attrName) {
   return lookUpFolded(attrName, lookUp, -1);
 }
 
-// The pieces of `text` between separators, empty ones dropped. A ";" or ":" that carries a
-// combining mark is another character and separates nothing.
-std::vector<std::string_view> nonEmptyPieces(std::string_view text, std::string_view separator) {
-  std::vector<std::string_view> pieces = splitOnCharacters(text, separator);
-  std::erase_if(pieces, [](std::string_view piece) { return piece.empty(); });
-  return pieces;
-}
+// The pieces of `text` between separators, empty ones dropped, without building a list: a style
+// is taken apart on every element that has one. A ";" or ":" that carries a combining mark is
+// another character and separates nothing.
+class NonEmptyPieces {
+ public:
+  NonEmptyPieces(std::string_view text, std::string_view separator) : splitter_(text, separator) {}
+
+  // The next non-empty piece, or false when there is none.
+  bool next(std::string_view& piece) {
+    while (splitter_.next(piece)) {
+      if (!piece.empty()) return true;
+    }
+    return false;
+  }
+
+ private:
+  CharacterSplitter splitter_;
+};
 
 // Blanks and tabs only: a line break inside a declaration is part of its name or value. Unlike
 // the splitting, trimming works on code points, so a blank is trimmed even when a combining mark
@@ -174,14 +184,18 @@ int PresentationAttributes::processAttribute(std::string_view attrName,
       // Every well-formed declaration is applied; one malformed declaration only withholds
       // "style" from the consumed names, so the element reports the attribute as unknown.
       bool wellFormed = true;
-      for (const std::string_view declaration : nonEmptyPieces(attrValue, ";")) {
-        const std::vector<std::string_view> parts = nonEmptyPieces(declaration, ":");
-        if (parts.size() != 2) {
+      NonEmptyPieces declarations(attrValue, ";");
+      for (std::string_view declaration; declarations.next(declaration);) {
+        NonEmptyPieces parts(declaration, ":");
+        std::string_view name;
+        std::string_view value;
+        std::string_view extra;
+        if (!parts.next(name) || !parts.next(value) || parts.next(extra)) {
           wellFormed = false;
           continue;
         }
         // Unknown properties inside a style are ignored without a trace.
-        (void)processAttribute(trimBlanks(parts[0]), trimBlanks(parts[1]));
+        (void)processAttribute(trimBlanks(name), trimBlanks(value));
       }
       if (!wellFormed) return -1;
       break;

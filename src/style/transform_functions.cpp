@@ -23,7 +23,8 @@ constexpr float kPi = 3.1415925f;
 // carries a combining mark is another character and splits nothing.
 std::vector<float> readParameters(std::string_view parameters) {
   std::vector<float> values;
-  for (const std::string_view piece : splitOnCharacters(parameters, " ")) {
+  CharacterSplitter pieces(parameters, " ");
+  for (std::string_view piece; pieces.next(piece);) {
     if (!piece.empty()) values.push_back(readLenientFloat(piece));
   }
   return values;
