@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/fatal.h"
+#include "platform/grapheme_break.h"
 #include "platform/utf8_text.h"
 
 namespace tessaline::detail {
@@ -13,18 +14,14 @@ constexpr std::string_view kOutOfRange = "path data read past its end";
 }  // namespace
 
 PathText::PathText(std::string_view text) : text_(text) {
-  const bool ascii = std::all_of(text.begin(), text.end(),
-                                 [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-  if (ascii) {
+  if (hasOneCharacterPerByte(text)) {
     count_ = static_cast<std::int64_t>(text.size());
     return;
   }
-  char32_t previous = 0;
+  GraphemeBreaker breaker;
   for (std::size_t at = 0; at < text.size();) {
     const DecodedCodePoint decoded = decodeUtf8At(text, at);
-    const char32_t c = decoded.codePoint;
-    if (at == 0 || !joinsPreviousCharacter(previous, c)) boundaries_.push_back(at);
-    previous = c;
+    if (breaker.breaksBefore(decoded.codePoint)) boundaries_.push_back(at);
     at += decoded.length;
   }
   count_ = static_cast<std::int64_t>(boundaries_.size());

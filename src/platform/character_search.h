@@ -4,6 +4,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/grapheme_break.h"
+
 namespace tessaline {
 
 // Prefix tests, searches and splits of attribute text that match whole user-perceived characters
@@ -17,12 +19,7 @@ class CharacterBoundaries {
  public:
   // Empty (every byte a boundary) for text with a character per byte.
   explicit CharacterBoundaries(std::string_view text) {
-    for (char c : text) {
-      if (static_cast<unsigned char>(c) >= 0x80 || c == '\r') {
-        findStarts(text);
-        return;
-      }
-    }
+    if (!hasOneCharacterPerByte(text)) findStarts(text);
   }
 
   bool contains(std::size_t byte) const { return starts_.empty() || startsAt(byte); }

@@ -1,6 +1,6 @@
 #include "platform/utf8_text.h"
 
-#include "platform/grapheme_extend.h"
+#include "platform/grapheme_break.h"
 
 namespace tessaline {
 namespace {
@@ -9,10 +9,6 @@ constexpr char32_t kReplacement = 0xFFFD;
 
 bool isContinuation(unsigned char byte) {
   return (byte & 0xC0) == 0x80;
-}
-
-bool isControl(char32_t c) {
-  return c < 0x20 || (c >= 0x7F && c <= 0x9F);
 }
 
 }  // namespace
@@ -44,17 +40,14 @@ DecodedCodePoint decodeUtf8At(std::string_view text, std::size_t at) {
   return {value, length};
 }
 
-bool joinsPreviousCharacter(char32_t previous, char32_t next) {
-  return (previous == U'\r' && next == U'\n') ||
-         (!isControl(previous) && detail::extendsGraphemeCluster(next));
-}
-
 Utf8Text::Utf8Text(std::string_view text) : text_(text) {
   codePoints_.reserve(text.size());
   characterStarts_.reserve(text.size() + 1);
+  const bool simple = hasOneCharacterPerByte(text);  // nearly every attribute text
+  GraphemeBreaker breaker;
   for (std::size_t at = 0; at < text.size();) {
     const DecodedCodePoint decoded = decodeUtf8At(text, at);
-    if (codePoints_.empty() || !joinsPreviousCharacter(codePoints_.back(), decoded.codePoint)) {
+    if (simple || breaker.breaksBefore(decoded.codePoint)) {
       characterStarts_.push_back({at, codePoints_.size()});
     }
     codePoints_.push_back(decoded.codePoint);

@@ -16,12 +16,6 @@ struct DecodedCodePoint {
 };
 DecodedCodePoint decodeUtf8At(std::string_view text, std::size_t at);
 
-// Whether `next` belongs to the same user-perceived character as the code point before it: CR LF,
-// and the marks, variation selectors, modifiers and joiners that attach to anything but a control
-// character. The rules that only ever join two non-ASCII code points (Hangul syllables, emoji
-// sequences, regional-indicator pairs) are left out.
-bool joinsPreviousCharacter(char32_t previous, char32_t next);
-
 // Attribute texts are measured and indexed in user-perceived characters, as the platform's string
 // type counts them: a colour must have exactly eight characters, a transform list is cut at
 // character positions, and "(" followed by a combining mark is not a "(".

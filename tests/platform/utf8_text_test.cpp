@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
 namespace tessaline {
 namespace {
 
@@ -35,6 +40,60 @@ TEST(Utf8Text, MalformedBytesAreCharactersOfTheirOwn) {
   const Utf8Text text("\xE2\x82x");
   ASSERT_EQ(text.size(), 3u);
   EXPECT_EQ(text.character(2), U'x');
+}
+
+std::string utf8Of(char32_t c) {
+  std::string bytes;
+  if (c < 0x80) {
+    bytes += static_cast<char>(c);
+  } else if (c < 0x800) {
+    bytes += static_cast<char>(0xC0 | (c >> 6));
+    bytes += static_cast<char>(0x80 | (c & 0x3F));
+  } else if (c < 0x10000) {
+    bytes += static_cast<char>(0xE0 | (c >> 12));
+    bytes += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+    bytes += static_cast<char>(0x80 | (c & 0x3F));
+  } else {
+    bytes += static_cast<char>(0xF0 | (c >> 18));
+    bytes += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+    bytes += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+    bytes += static_cast<char>(0x80 | (c & 0x3F));
+  }
+  return bytes;
+}
+
+// Every case of the Unicode Consortium's own grapheme break test (from Debian's unicode-data,
+// which scripts/bootstrap installs): "÷ 0020 × 0308 ÷" marks where characters begin.
+TEST(Utf8Text, BreaksCharactersAsTheUnicodeConformanceTestDoes) {
+  std::ifstream file(TESSALINE_GRAPHEME_BREAK_TEST);
+  ASSERT_TRUE(file) << "missing " << TESSALINE_GRAPHEME_BREAK_TEST << " (package unicode-data)";
+  int cases = 0;
+  for (std::string line; std::getline(file, line);) {
+    line = line.substr(0, line.find('#'));
+    if (line.empty()) continue;
+    std::istringstream tokens(line);
+    std::string text;
+    std::vector<std::size_t> expected;  // byte offsets where characters begin
+    bool surrogate = false;
+    for (std::string token; tokens >> token;) {
+      if (token == "\u00f7") {
+        expected.push_back(text.size());
+      } else if (token != "\u00d7") {
+        const auto c = static_cast<char32_t>(std::stoul(token, nullptr, 16));
+        surrogate |= c >= 0xD800 && c <= 0xDFFF;  // not encodable in UTF-8
+        text += utf8Of(c);
+      }
+    }
+    if (surrogate) continue;
+    ++cases;
+    const Utf8Text characters(text);
+    std::vector<std::size_t> starts;
+    for (std::size_t i = 0; i <= characters.size(); ++i) {
+      starts.push_back(characters.slice(0, i).size());
+    }
+    EXPECT_EQ(starts, expected) << line;
+  }
+  EXPECT_GT(cases, 500);
 }
 
 }  // namespace
