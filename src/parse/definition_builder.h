@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "parse/attribute_set_interner.h"
 #include "parse/svg_event.h"
@@ -13,6 +14,7 @@
 
 namespace tessaline {
 
+class SVGComponent;
 class SVGDefinition;
 
 // Builds one definition from the tags that follow its start tag, handed over one at a time. This
@@ -72,12 +74,18 @@ class DefinitionBuilder {
   void openGroup(Frame& frame, const SVGTag& tag);
   static void closeGroup(Frame& frame);
   bool finishFrame();
+  // Where the components of `frame` go while it is open.
+  std::vector<std::shared_ptr<SVGComponent>>& componentsOf(Frame& frame);
 
   AttributeSetInterner& interner_;
   bool deferFatalStops_;
   // A deque: hostile nesting makes it long, and it grows without moving what it holds.
   std::deque<Frame> frames_;
   std::optional<std::string> deferredPointList_;
+  // The components of the outermost definition, gathered here and moved into it, sized exactly,
+  // when it is complete: the vector keeps its capacity from one symbol to the next, where
+  // growing each definition's own would allocate several times per symbol.
+  std::vector<std::shared_ptr<SVGComponent>> outermostComponents_;
 };
 
 }  // namespace tessaline

@@ -1,3 +1,4 @@
+#include <iterator>
 #include <map>
 #include <memory>
 #include <string>
@@ -30,6 +31,7 @@ DefinitionBuilder::DefinitionBuilder(AttributeSetInterner& interner, bool deferF
 
 void DefinitionBuilder::begin(SVGDefinition& definition, InheritedAttributes symbolAttributes) {
   frames_.clear();
+  outermostComponents_.clear();
   frames_.emplace_back(&definition, nullptr, Frame::Kind::Outermost, "",
                        std::move(symbolAttributes));
 }
@@ -90,7 +92,7 @@ void DefinitionBuilder::start(const SVGTag& tag) {
     default:
       if (auto component = buildComponent(*kind, tag, frame.inherited, definition, interner_,
                                           deferFatalStops_ ? &deferredPointList_ : nullptr)) {
-        definition.svgComponents.push_back(std::move(component));
+        componentsOf(frame).push_back(std::move(component));
       }
       break;
   }
@@ -109,6 +111,11 @@ bool DefinitionBuilder::end(std::string_view name) {
   return false;
 }
 
+std::vector<std::shared_ptr<SVGComponent>>& DefinitionBuilder::componentsOf(Frame& frame) {
+  return frame.kind == Frame::Kind::Outermost ? outermostComponents_
+                                              : frame.definition->svgComponents;
+}
+
 bool DefinitionBuilder::endOfEvents() {
   return finishFrame();
 }
@@ -118,12 +125,20 @@ bool DefinitionBuilder::endOfEvents() {
 bool DefinitionBuilder::finishFrame() {
   Frame finished = std::move(frames_.back());
   frames_.pop_back();
-  if (frames_.empty()) return true;
+  if (frames_.empty()) {
+    std::vector<std::shared_ptr<SVGComponent>>& components = finished.definition->svgComponents;
+    components.reserve(components.size() + outermostComponents_.size());
+    std::move(outermostComponents_.begin(), outermostComponents_.end(),
+              std::back_inserter(components));
+    outermostComponents_.clear();
+    return true;
+  }
   SVGDefinition& parent = *frames_.back().definition;
   const std::vector<std::string>& nestedErrors = finished.definition->errorMessages;
   if (finished.kind == Frame::Kind::ClipPath) {
-    parent.svgComponents.push_back(
-        std::make_shared<ClipPathComponent>(std::move(finished.clipPathId), finished.owned));
+    componentsOf(frames_.back())
+        .push_back(
+            std::make_shared<ClipPathComponent>(std::move(finished.clipPathId), finished.owned));
   } else {
     // Only the last defs is kept; the messages of every defs stay with the parent.
     parent.svgSubDefinitions = finished.owned;
