@@ -1,10 +1,7 @@
 #include "geometry/path_text.h"
 
-#include <algorithm>
-
 #include "platform/fatal.h"
 #include "platform/grapheme_break.h"
-#include "platform/utf8_text.h"
 
 namespace tessaline::detail {
 namespace {
@@ -18,14 +15,8 @@ PathText::PathText(std::string_view text) : text_(text) {
     count_ = static_cast<std::int64_t>(text.size());
     return;
   }
-  GraphemeBreaker breaker;
-  for (std::size_t at = 0; at < text.size();) {
-    const DecodedCodePoint decoded = decodeUtf8At(text, at);
-    if (breaker.breaksBefore(decoded.codePoint)) boundaries_.push_back(at);
-    at += decoded.length;
-  }
-  count_ = static_cast<std::int64_t>(boundaries_.size());
-  boundaries_.push_back(text.size());
+  characters_.emplace(text);
+  count_ = static_cast<std::int64_t>(characters_->size());
 }
 
 void PathText::stopOutOfRange() {
@@ -33,8 +24,8 @@ void PathText::stopOutOfRange() {
 }
 
 std::size_t PathText::offset(std::int64_t index) const {
-  return boundaries_.empty() ? static_cast<std::size_t>(index)
-                             : boundaries_[static_cast<std::size_t>(index)];
+  return characters_ ? characters_->byteOffset(static_cast<std::size_t>(index))
+                     : static_cast<std::size_t>(index);
 }
 
 int PathText::codeAtBoundary(std::int64_t index) const {

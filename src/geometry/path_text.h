@@ -2,26 +2,20 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string_view>
-#include <vector>
+
+#include "platform/utf8_text.h"
 
 namespace tessaline::detail {
 
 // Path data addressed by user-perceived character, in constant time per access.
 //
 // Path data is ASCII in practice, and then every byte is one character and nothing is
-// precomputed. Otherwise the constructor finds the character boundaries once (an index with one
-// entry per character) so that the parser stays linear in the length of the text.
-//
-// The boundaries follow the Unicode rules that can make a character of more than one code point
-// out of an ASCII one: a following combining or spacing mark, variation selector, emoji modifier
-// or joiner attaches to it (so "1" + U+0301 is one character and not a digit), CR LF is one
-// character, and nothing attaches to a control character. The remaining rules (prefixed
-// characters, Hangul syllables, emoji sequences, regional-indicator pairs) only ever join two
-// non-ASCII code points; the parser stops at the first character that is not a lone ASCII
-// character, so cutting those differently cannot change a result, and they are left out.
-// Malformed UTF-8 counts one character per offending byte. In ASCII text CR LF counts as two
-// characters, which cannot change a result either: neither is a separator, digit or letter.
+// precomputed. Otherwise the constructor finds the characters once (Utf8Text: extended grapheme
+// clusters, so "1" + U+0301 is one character and not a digit, and CR LF is one character) so
+// that the parser stays linear in the length of the text. Malformed UTF-8 counts one character
+// per offending byte.
 //
 // The text is viewed, not copied: it must outlive this object.
 class PathText {
@@ -37,7 +31,7 @@ class PathText {
   // fatal stop. Inline: the path parser asks for every character at least once.
   int codeAt(std::int64_t index) const {
     checkIndex(index);
-    if (!boundaries_.empty()) return codeAtBoundary(index);
+    if (characters_) return codeAtBoundary(index);
     const auto byte = static_cast<unsigned char>(text_[static_cast<std::size_t>(index)]);
     return byte >= 0x80 ? kNotAscii : byte;
   }
@@ -58,8 +52,7 @@ class PathText {
 
   std::string_view text_;
   std::int64_t count_ = 0;
-  // Byte offset of every character plus the end; empty for ASCII text.
-  std::vector<std::size_t> boundaries_;
+  std::optional<Utf8Text> characters_;  // only for text that is not a character per byte
 };
 
 }  // namespace tessaline::detail

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string_view>
 #include <vector>
 
 #include "platform/grapheme_break.h"
+#include "platform/utf8_text.h"
 
 namespace tessaline {
 
@@ -13,68 +15,67 @@ namespace tessaline {
 // different character and neither matches nor splits. Offsets are in bytes. Text that is ASCII
 // without a carriage return (nearly all attribute text) has a character per byte and takes the
 // byte operations directly, without allocating.
-
-// Where the characters of a text start, when they are not simply its bytes.
-class CharacterBoundaries {
+//
+// The text is viewed, not copied: it must outlive this object.
+class CharacterText {
  public:
-  // Empty (every byte a boundary) for text with a character per byte.
-  explicit CharacterBoundaries(std::string_view text) {
-    if (!hasOneCharacterPerByte(text)) findStarts(text);
+  explicit CharacterText(std::string_view text) : text_(text) {
+    if (!hasOneCharacterPerByte(text)) characters_.emplace(text);
   }
 
-  bool contains(std::size_t byte) const { return starts_.empty() || startsAt(byte); }
+  // Whether the text begins with the characters of `prefix`.
+  bool startsWith(std::string_view prefix) const {
+    return text_.starts_with(prefix) && isBoundary(prefix.size());
+  }
 
-  // The first occurrence of `needle` at or after `from` that starts and ends on boundaries.
-  std::size_t findWhole(std::string_view text, std::string_view needle, std::size_t from) const {
-    if (starts_.empty()) {
+  // Byte offset of the first occurrence of `needle` (not empty) at or after byte `from` that
+  // starts and ends on character boundaries, or npos.
+  std::size_t find(std::string_view needle, std::size_t from = 0) const {
+    if (!characters_) {
       // Separators are single bytes, whose search is far cheaper than the general one.
-      return needle.size() == 1 ? text.find(needle[0], from) : text.find(needle, from);
+      return needle.size() == 1 ? text_.find(needle[0], from) : text_.find(needle, from);
     }
-    return findWholeCharacters(text, needle, from);
+    return findWholeCharacters(needle, from);
   }
+
+  std::string_view text() const { return text_; }
 
  private:
-  void findStarts(std::string_view text);
-  bool startsAt(std::size_t byte) const;
-  std::size_t findWholeCharacters(std::string_view text, std::string_view needle,
-                                  std::size_t from) const;
+  bool isBoundary(std::size_t byte) const {
+    return !characters_ || characters_->startsCharacterAt(byte);
+  }
+  std::size_t findWholeCharacters(std::string_view needle, std::size_t from) const;
 
-  std::vector<std::size_t> starts_;  // byte offsets of the characters and of the text's end
+  std::string_view text_;
+  std::optional<Utf8Text> characters_;  // only for text that is not a character per byte
 };
-
-// Whether `text` begins with the characters of `prefix`.
-bool startsWithCharacters(std::string_view text, std::string_view prefix);
-
-// Byte offset of the first occurrence of `needle` at or after byte `from` that starts and ends on
-// character boundaries of `text`, or npos. `needle` must not be empty.
-std::size_t findCharacters(std::string_view text, std::string_view needle, std::size_t from = 0);
 
 // The pieces of a text between whole-character occurrences of a separator (not empty), empty
 // pieces included, one at a time: "a  b" split on " " gives "a", "", "b".
 class CharacterSplitter {
  public:
   CharacterSplitter(std::string_view text, std::string_view separator)
-      : text_(text), separator_(separator), boundaries_(text) {}
+      : text_(text), separator_(separator) {}
 
   // The next piece, or false when every piece has been given. Inline, as the splitting of a
   // viewBox or a transform's parameters is a handful of bytes.
   bool next(std::string_view& piece) {
     if (done_) return false;
-    const std::size_t at = boundaries_.findWhole(text_, separator_, start_);
+    const std::string_view text = text_.text();
+    const std::size_t at = text_.find(separator_, start_);
     if (at == std::string_view::npos) {
-      piece = text_.substr(start_);
+      piece = text.substr(start_);
       done_ = true;
     } else {
-      piece = text_.substr(start_, at - start_);
+      piece = text.substr(start_, at - start_);
       start_ = at + separator_.size();
     }
     return true;
   }
 
  private:
-  std::string_view text_;
+  CharacterText text_;
   std::string_view separator_;
-  CharacterBoundaries boundaries_;
   std::size_t start_ = 0;
   bool done_ = false;
 };

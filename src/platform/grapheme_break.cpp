@@ -55,13 +55,14 @@ bool GraphemeBreaker::breaksBefore(char32_t next) {
   using detail::GraphemeClass;
   const GraphemeClass before = previous_;
   const GraphemeClass after = detail::graphemeClassOf(next);
-  const bool joinsPictograph = pictographicJoiner_ && detail::isExtendedPictographic(next);
+  const bool pictographic = detail::isExtendedPictographic(next);
+  const bool joinsPictograph = pictographicJoiner_ && pictographic;
   const bool pairsIndicator = oddIndicators_ && after == GraphemeClass::RegionalIndicator;
 
   // The state for the code point after `next`.
   previous_ = after;
   oddIndicators_ = after == GraphemeClass::RegionalIndicator && !pairsIndicator;
-  if (detail::isExtendedPictographic(next)) {
+  if (pictographic) {
     pictographicRun_ = true;
   } else if (after != GraphemeClass::Extend && after != GraphemeClass::ZWJ) {
     pictographicRun_ = false;

@@ -1,5 +1,7 @@
 #include "platform/utf8_text.h"
 
+#include <algorithm>
+
 #include "platform/grapheme_break.h"
 
 namespace tessaline {
@@ -59,6 +61,13 @@ Utf8Text::Utf8Text(std::string_view text) : text_(text) {
 std::string_view Utf8Text::slice(std::size_t from, std::size_t to) const {
   const std::size_t begin = characterStarts_[from].byte;
   return text_.substr(begin, characterStarts_[to].byte - begin);
+}
+
+bool Utf8Text::startsCharacterAt(std::size_t byte) const {
+  const auto found =
+      std::lower_bound(characterStarts_.begin(), characterStarts_.end(), byte,
+                       [](const Start& start, std::size_t value) { return start.byte < value; });
+  return found != characterStarts_.end() && found->byte == byte;
 }
 
 char32_t Utf8Text::character(std::size_t index) const {

@@ -30,6 +30,10 @@ class Utf8Text {
   std::size_t size() const { return characterStarts_.size() - 1; }
   // The bytes of characters [from, to); both at most size().
   std::string_view slice(std::size_t from, std::size_t to) const;
+  // Where character `index` (at most size(), which gives the text's length) starts, in bytes.
+  std::size_t byteOffset(std::size_t index) const { return characterStarts_[index].byte; }
+  // Whether a character starts at `byte` (the text's length counts as a start).
+  bool startsCharacterAt(std::size_t byte) const;
   // The code point of character `index` (< size()) when it is a single one, else kCompound.
   char32_t character(std::size_t index) const;
   // Every code point of the text in order, for readers that work below the character level.

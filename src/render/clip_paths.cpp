@@ -60,8 +60,9 @@ PresentationAttributeSVGComponent::ClipResult PresentationAttributeSVGComponent:
 
   // Prefixes and closing marks count only as whole characters: a ")" or "'" that carries a
   // combining mark closes nothing, and a "#" or "'" with one opens nothing.
-  if (startsWithCharacters(value, kUrlPrefix)) {
-    const std::size_t close = findCharacters(value, ")");
+  const CharacterText characters(value);
+  if (characters.startsWith(kUrlPrefix)) {
+    const std::size_t close = characters.find(")");
     if (close == std::string_view::npos) return {std::nullopt, kUnableToFindClipPathForKey};
     // The key is taken as written, blanks included.
     const std::string_view key = value.substr(kUrlPrefix.size(), close - kUrlPrefix.size());
@@ -69,8 +70,8 @@ PresentationAttributeSVGComponent::ClipResult PresentationAttributeSVGComponent:
     return {std::nullopt, kUnableToFindClipPathForKey};
   }
 
-  if (startsWithCharacters(value, kPathPrefix)) {
-    const std::size_t close = findCharacters(value, kPathSuffix);
+  if (characters.startsWith(kPathPrefix)) {
+    const std::size_t close = characters.find(kPathSuffix);
     if (close == std::string_view::npos) return {std::nullopt, kUnableToFindClipPathData};
     // In "path(')" the closing quote found is the opening one, so the data would end before it
     // starts. That range check is a deliberate stop, kept rather than turned into a message.

@@ -22,7 +22,7 @@ constexpr const char* kErrorSeparator = ", ";
 std::optional<std::string> keyOf(const std::string& reference) {
   // Only same-document references ("#id") name a key; "#" alone names nothing, and neither does
   // a "#" that carries a combining mark, which is another character.
-  if (reference.size() > 1 && startsWithCharacters(reference, "#")) return reference.substr(1);
+  if (reference.size() > 1 && CharacterText(reference).startsWith("#")) return reference.substr(1);
   return std::nullopt;
 }
 

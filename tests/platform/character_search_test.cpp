@@ -11,18 +11,18 @@ constexpr auto npos = std::string_view::npos;
 // A combining acute accent (U+0301) makes the character before it a different character, so
 // it no longer matches a prefix, a search or a separator; ASCII text behaves as bytes.
 TEST(CharacterSearch, MatchesWholeCharactersOnly) {
-  EXPECT_TRUE(startsWithCharacters("url(#a)", "url(#"));
-  EXPECT_TRUE(startsWithCharacters("url(#\u00e9)", "url(#"));
-  EXPECT_FALSE(startsWithCharacters("url(#\u0301a)", "url(#"));
-  EXPECT_FALSE(startsWithCharacters("url", "url(#"));
+  EXPECT_TRUE(CharacterText("url(#a)").startsWith("url(#"));
+  EXPECT_TRUE(CharacterText("url(#\u00e9)").startsWith("url(#"));
+  EXPECT_FALSE(CharacterText("url(#\u0301a)").startsWith("url(#"));
+  EXPECT_FALSE(CharacterText("url").startsWith("url(#"));
 
-  EXPECT_EQ(findCharacters("a)b)", ")"), 1u);
-  EXPECT_EQ(findCharacters("a)b)", ")", 2), 3u);
-  EXPECT_EQ(findCharacters("url(#c)\u0301", ")"), npos);
-  EXPECT_EQ(findCharacters("a)\u0301b)", ")"), 5u);
+  EXPECT_EQ(CharacterText("a)b)").find(")"), 1u);
+  EXPECT_EQ(CharacterText("a)b)").find(")", 2), 3u);
+  EXPECT_EQ(CharacterText("url(#c)\u0301").find(")"), npos);
+  EXPECT_EQ(CharacterText("a)\u0301b)").find(")"), 5u);
   // CR LF is one character: neither half is found on its own.
-  EXPECT_EQ(findCharacters("a\r\nb", "\n"), npos);
-  EXPECT_EQ(findCharacters("a\r\nb", "\r\n"), 1u);
+  EXPECT_EQ(CharacterText("a\r\nb").find("\n"), npos);
+  EXPECT_EQ(CharacterText("a\r\nb").find("\r\n"), 1u);
 }
 
 TEST(CharacterSearch, SplitsAtWholeCharacterSeparators) {
