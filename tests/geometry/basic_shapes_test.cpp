@@ -15,31 +15,23 @@ std::string outline(const DrawPathResult& result) {
   return result.path ? result.path->dump(6) : "<none>";
 }
 
-// Shapes other than path have no message and no fill rule of their own.
-void expectOutlineOnly(const DrawPathResult& result, const Path& expected) {
-  ASSERT_TRUE(result.path);
-  EXPECT_EQ(*result.path, expected);
-  EXPECT_FALSE(result.message);
-  EXPECT_FALSE(result.fillRule);
-}
-
 // The fill rule is matched exactly and case-sensitively, anything else is non-zero; a data error
 // comes with the partial outline and the rule. Nothing is cached: a second call gives the same.
 TEST(PathComponent, ParsesItsDataAndMapsTheFillRule) {
-  for (const auto& [fillRule, expected] :
-       {std::pair{"evenodd", FillRule::EvenOdd}, {"EvenOdd", FillRule::Winding}}) {
-    const DrawPathResult result =
-        PathComponent("p", kNoAttributes, "M0 0 L10 0 L10 10 Z", fillRule).getDrawPath();
-    EXPECT_EQ(outline(result), "M 0 0 L 10 0 L 10 10 Z") << fillRule;
-    EXPECT_FALSE(result.message) << fillRule;
-    EXPECT_EQ(result.fillRule, expected) << fillRule;
+  for (const auto& [d, rule, path, message, expected] :
+       {std::tuple{"M0 0 L10 0 L10 10 Z", "evenodd", "M 0 0 L 10 0 L 10 10 Z",
+                   std::optional<std::string>(), FillRule::EvenOdd},
+        {"M0 0 L10 0 L10 10 Z", "EvenOdd", "M 0 0 L 10 0 L 10 10 Z", std::nullopt,
+         FillRule::Winding},
+        {"M0 0 L10", "evenodd", "M 0 0", "L/l command must have an Y value", FillRule::EvenOdd}}) {
+    const PathComponent component("p", kNoAttributes, d, rule);
+    for (int call = 0; call < 2; ++call) {
+      const DrawPathResult result = component.getDrawPath();
+      EXPECT_EQ(outline(result), path) << d << rule;
+      EXPECT_EQ(result.message, message) << d << rule;
+      EXPECT_EQ(result.fillRule, expected) << d << rule;
+    }
   }
-  const PathComponent path("p", kNoAttributes, "M0 0 L10", "evenodd");
-  const DrawPathResult result = path.getDrawPath();
-  EXPECT_EQ(outline(result), "M 0 0");
-  EXPECT_EQ(result.message, "L/l command must have an Y value");
-  EXPECT_EQ(result.fillRule, FillRule::EvenOdd);
-  EXPECT_EQ(outline(path.getDrawPath()), "M 0 0");
 }
 
 // Parsing leaves only a circle's or ellipse's cy absent; a rect's size and a polygon's points are
@@ -65,17 +57,23 @@ TEST(BasicShapes, MissingValuesGiveNoOutlineAndAMessage) {
 // boxes, with the box computed in 32 bits (0.1f + 0.1f, not the double sum of the widened
 // values); a line is an open two-point path.
 TEST(BasicShapes, OutlinesAreThoseOfThePlatformShapes) {
-  expectOutlineOnly(RectComponent("r", kNoAttributes, 1, 2, 10, 20, 3, 9).getDrawPath(),
-                    makeRoundedRectPath({1, 2, 10, 20}, 3));
-  const double corner = 1.0f - 0.1f, size = 0.1f + 0.1f;
-  expectOutlineOnly(CircleComponent("c", kNoAttributes, 1, 1, 0.1f).getDrawPath(),
-                    makeOvalPath({corner, corner, size, size}));
-  expectOutlineOnly(EllipseComponent("e", kNoAttributes, 10, 20, 4, 2).getDrawPath(),
-                    makeOvalPath({6, 18, 8, 4}));
   Path line;
   line.moveTo({1, 2});
   line.lineTo({3, 4});
-  expectOutlineOnly(LineComponent("l", kNoAttributes, 1, 2, 3, 4).getDrawPath(), line);
+  const double corner = 1.0f - 0.1f, size = 0.1f + 0.1f;
+  const std::pair<DrawPathResult, Path> cases[] = {
+      {RectComponent("r", kNoAttributes, 1, 2, 10, 20, 3, 9).getDrawPath(),
+       makeRoundedRectPath({1, 2, 10, 20}, 3)},
+      {CircleComponent("c", kNoAttributes, 1, 1, 0.1f).getDrawPath(),
+       makeOvalPath({corner, corner, size, size})},
+      {EllipseComponent("e", kNoAttributes, 10, 20, 4, 2).getDrawPath(),
+       makeOvalPath({6, 18, 8, 4})},
+      {LineComponent("l", kNoAttributes, 1, 2, 3, 4).getDrawPath(), line},
+  };
+  for (const auto& [result, expected] : cases) {
+    EXPECT_EQ(result.path, expected);  // with no message and no fill rule of their own
+    EXPECT_FALSE(result.message || result.fillRule);
+  }
 }
 
 std::vector<Point> pointsOf(std::string_view text) {

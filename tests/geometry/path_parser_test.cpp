@@ -60,39 +60,10 @@ TEST(PathParser, ReadsCommandsNumbersAndSeparatorsWithTheirQuirks) {
       {"M0 0 L+5 5", "M 0 0", kNoX},
       // Z takes no parameters; an error keeps the path so far.
       {"M0 0 L1 1 ZM2 2 L3 3z", "M 0 0 L 1 1 Z M 2 2 L 3 3 Z"},
-  });
-}
-
-TEST(PathParser, ResolvesRelativeAndReflectedControlPoints) {
-  expectParses({
-      {"M1 1 c1 1 2 2 3 3", "M 1 1 C 2 2 3 3 4 4"},
-      {"M1 1 q1 0 2 2", "M 1 1 Q 2 1 3 3"},
-      {"M1 1 h5 v5 H0 V0", "M 1 1 L 6 1 L 6 6 L 0 6 L 0 0"},
-      // After a close the current point is the subpath start.
-      {"M0 0 L1 1 Z m1 1 l1 0", "M 0 0 L 1 1 Z M 1 1 L 2 1"},
-      // S reflects the last control point about the current point, with no check of the previous
-      // command's kind: after a line that is the current point, after a quadratic its control
-      // point, and after a close the control point from before it: 2·(0, 0) − (3, 4).
-      {"M0 0 C0 10 10 10 10 0 s10 -10 10 0", "M 0 0 C 0 10 10 10 10 0 C 10 -10 20 -10 20 0"},
-      {"M0 0 L5 5 S10 0 10 10", "M 0 0 L 5 5 C 5 5 10 0 10 10"},
-      {"M0 0 Q5 5 10 0 S20 0 20 0", "M 0 0 Q 5 5 10 0 C 15 -5 20 0 20 0"},
-      {"M0 0 C1 2 3 4 5 6 Z S1 1 2 2", "M 0 0 C 1 2 3 4 5 6 Z C -3 -4 1 1 2 2"},
-      // T reflects likewise; lower-case t offsets the reflection by the current point once more,
-      // 3·(10, 0) − (5, 5), and the next reflection starts from there: 2·(20, 0) − (25, −5).
-      // From the origin the extra offset is invisible.
-      {"M0 0 Q5 5 10 0 T20 0 T30 0", "M 0 0 Q 5 5 10 0 Q 15 -5 20 0 Q 25 5 30 0"},
-      {"M0 0 Q5 5 10 0 t10 0 T30 0", "M 0 0 Q 5 5 10 0 Q 25 -5 20 0 Q 15 5 30 0"},
-      {"M0 0 t10 0", "M 0 0 Q 0 0 10 0"},
-  });
-}
-
-// The text is indexed by user-perceived character, not by byte.
-TEST(PathParser, CountsUserPerceivedCharacters) {
-  expectParses({
-      // "1" with a combining acute accent is one character, and not a digit.
+      // The text is indexed by user-perceived character: "1" with a combining accent is one
+      // character, not a digit. The Kelvin sign lower-cases to "k", so it is an (unknown) command
+      // letter; carrying an accent it is no longer a letter.
       {"M0 0 L1 1\xCC\x81", "M 0 0", kNoY},
-      // The Kelvin sign lower-cases to "k", so it is taken as a command letter, and an unknown
-      // one; carrying an accent it is no longer a letter.
       {"M0 0 L1 1 \xE2\x84\xAA 2 2", "M 0 0 L 1 1",
        "Encountered unknown path command: \xE2\x84\xAA"},
       {"M0 0 L1 1 \xE2\x84\xAA\xCC\x81", "M 0 0 L 1 1", kNoX},
@@ -128,27 +99,26 @@ TEST(PathParser, ReportsEveryMissingParameterByName) {
   }
 }
 
-// Records moves and arcs, to see the arguments of arcs and the order of calls.
-struct RecordingBuilder : CGMutablePathWrapper {
-  void move(Point to) override { log << "move " << to.x << ' ' << to.y << ';'; }
-  void arcTo(float lastX, float lastY, float rx, float ry, float rotation, float largeArc,
-             float sweep, float x, float y) override {
-    log << "arc " << lastX << ' ' << lastY << ' ' << rx << ' ' << ry << ' ' << rotation << ' '
-        << largeArc << ' ' << sweep << ' ' << x << ' ' << y << ';';
-  }
-  std::ostringstream log;
-};
-
+// Records arcs and moves; only an arc's end point is relative, radii, rotation and flags pass
+// as read. A compact flag pair is one number: the large-arc flag is 1 ("01") and the sweep 10.
 TEST(PathParser, PassesArcsWithTheCurrentPointAndAbsoluteEnd) {
-  RecordingBuilder arcs;
-  EXPECT_FALSE(PathParser("M10 20 a5 6 30 1 0 10 -5 A1 2 3 0 1 7 8").parse(arcs).error);
-  // Only the end point is relative; radii, rotation and flags pass as read.
-  EXPECT_EQ(arcs.log.str(), "move 10 20;arc 10 20 5 6 30 1 0 20 15;arc 20 15 1 2 3 0 1 7 8;");
-  // A compact flag pair is one number: the large-arc flag is 1 ("01") and the sweep flag 10.
-  RecordingBuilder compact;
-  EXPECT_EQ(PathParser("M0 0 A5 5 0 01 10 10").parse(compact).error,
-            "A/a command must have an Y value");
-  EXPECT_EQ(compact.log.str(), "move 0 0;");
+  struct RecordingBuilder : CGMutablePathWrapper {
+    void move(Point to) override { log << "move " << to.x << ' ' << to.y << ';'; }
+    void arcTo(float x0, float y0, float rx, float ry, float rotation, float large, float sweep,
+               float x, float y) override {
+      log << "arc " << x0 << ' ' << y0 << ' ' << rx << ' ' << ry << ' ' << rotation << ' ' << large
+          << ' ' << sweep << ' ' << x << ' ' << y << ';';
+    }
+    std::ostringstream log;
+  };
+  for (const auto& [d, error, log] :
+       {std::tuple{"M10 20 a5 6 30 1 0 10 -5 A1 2 3 0 1 7 8", std::optional<std::string>(),
+                   "move 10 20;arc 10 20 5 6 30 1 0 20 15;arc 20 15 1 2 3 0 1 7 8;"},
+        {"M0 0 A5 5 0 01 10 10", "A/a command must have an Y value", "move 0 0;"}}) {
+    RecordingBuilder builder;
+    EXPECT_EQ(PathParser(d).parse(builder).error, error);
+    EXPECT_EQ(builder.log.str(), log);
+  }
 }
 
 using PathParserDeathTest = ::testing::Test;

@@ -24,66 +24,46 @@ TEST(ElementHandlers, MessagesAndComponents) {
     const char* components;
   };
   const Case cases[] = {
-      {"<path d='M0 0' Fill='red' foo='1' data-name='n' CLASS='c' isolation='i'/>",
-       {kUnknown + "path: foo"},
-       "path d='M0 0' fill=red"},
-      {"<ellipse cx='1' rx='2' ry='3' Bar='1' data-name='n' class='c'/>",
-       {kUnknown + "ellipse: Bar"},
-       "ellipse cx=1 cy=- rx=2 ry=3"},
-      // Only a path passes over isolation.
-      {"<circle cx='1' r='2' isolation='x'/>",
-       {kUnknown + "circle: isolation"},
-       "circle cx=1 cy=- r=2"},
-      {"<polygon points='0 0' d='x'/>", {kUnknown + "polygon: d"}, "polygon p=0,0"},
-      {"<line x1='1' r='1'/>", {kUnknown + "line: r"}, "line x1=1 y1=0 x2=0 y2=0"},
-      // A use ignores nothing and never keeps its id.
-      {"<use id='u' data-name='n' class='c' xlink:href='#a'/>",
-       {kUnknown + "use: id", kUnknown + "use: data-name", kUnknown + "use: class"},
-       "use href='' xlink='#a'"},
-      // Groups report with the path wording; a clip path keeps only its last id.
-      {"<g onclick='x' id='g' class='c' fill='red'/>", {kUnknown + "path: onclick"}, ""},
-      {"<clipPath ID='c1' fill='red' id='c2' Transform='scale(2)'/>",
-       {kUnknown + "clippath: fill", kUnknown + "clippath: Transform"},
-       "clip#c2()"},
-      {"<defs id='d' foo='1'/>", {}, "defs{}"},
-      {"<rect Zeta='1' alpha='2' height='3'/>",
-       {kUnknown + "rect: Zeta", kUnknown + "rect: alpha", kInvalid + "rect"},
-       ""},
-      // A malformed style is reported although its good declarations apply.
-      {"<circle cx='1' r='1' style='fill:red;oops'/>",
-       {kUnknown + "circle: style"},
-       "circle cx=1 cy=- r=1 fill=red"},
-      {"<circle cx='' r='2'/><circle cx='5' cy='5'/>",
-       {kInvalid + "circle", kInvalid + "circle"},
-       ""},
-      {"<ellipse cx='1' rx='2'/><ellipse cy='1' rx='2' ry='3'/><ellipse cx='1' ry='3'/>",
-       {kInvalid + "ellipse", kInvalid + "ellipse", kInvalid + "ellipse"},
-       ""},
-      {"<rect width='4'/><rect width='' height='4'/>", {kInvalid + "rect", kInvalid + "rect"}, ""},
-      {"<polygon points=''/>", {kInvalid + "polygon"}, ""},
-      // A path without data is dropped silently.
-      {"<path id='p'/><path d=''/>", {}, ""},
-      {"<rect width=' ' height='4'/>", {}, "rect x=0 y=0 w=0 h=4 rx=0 ry=0"},
-      {"<path D='M0 0L1 1' Fill-Rule='EvenOdd' ID='p1' fill='red'/>",
+      // Only a path passes over isolation. A malformed style is reported although its good
+      // declarations apply.
+      {"<path d='M0 0' Fill='red' foo='1' data-name='n' CLASS='c' isolation='i'/>"
+       "<ellipse cx='1' rx='2' ry='3' Bar='1' data-name='n' class='c'/>"
+       "<circle cx='1' r='2' isolation='x'/><polygon points='0 0' d='x'/><line x1='1' r='1'/>"
+       "<circle cx='1' r='1' style='fill:red;oops'/><rect Zeta='1' alpha='2' height='3'/>",
+       {kUnknown + "path: foo", kUnknown + "ellipse: Bar", kUnknown + "circle: isolation",
+        kUnknown + "polygon: d", kUnknown + "line: r", kUnknown + "circle: style",
+        kUnknown + "rect: Zeta", kUnknown + "rect: alpha", kInvalid + "rect"},
+       "path d='M0 0' fill=red; ellipse cx=1 cy=- rx=2 ry=3; circle cx=1 cy=- r=2; polygon p=0,0; "
+       "line x1=1 y1=0 x2=0 y2=0; circle cx=1 cy=- r=1 fill=red"},
+      // A use ignores nothing and never keeps its id; groups report with the path wording; a clip
+      // path keeps only its last id.
+      {"<use id='u' data-name='n' class='c' xlink:href='#a'/><g onclick='x' id='g' class='c' "
+       "fill='red'/><clipPath ID='c1' fill='red' id='c2' Transform='scale(2)'/>"
+       "<defs id='d' foo='1'/>",
+       {kUnknown + "use: id", kUnknown + "use: data-name", kUnknown + "use: class",
+        kUnknown + "path: onclick", kUnknown + "clippath: fill", kUnknown + "clippath: Transform"},
+       "use href='' xlink='#a'; clip#c2(); defs{}"},
+      // Each element missing a required value is dropped with the message, in document order.
+      {"<circle cx='' r='2'/><circle cx='5' cy='5'/><ellipse cx='1' rx='2'/>"
+       "<ellipse cy='1' rx='2' ry='3'/><ellipse cx='1' ry='3'/><rect width='4'/>"
+       "<rect width='' height='4'/><polygon points=''/><path id='p'/><path d=''/>",
+       {kInvalid + "circle", kInvalid + "circle", kInvalid + "ellipse", kInvalid + "ellipse",
+        kInvalid + "ellipse", kInvalid + "rect", kInvalid + "rect", kInvalid + "polygon"},
+       ""},  // a path without data is dropped silently
+      // A missing or empty cy stays absent; rectangle corner radii stand in for each other,
+      // unclamped; the later of two spellings wins.
+      {"<rect width=' ' height='4'/><path D='M0 0L1 1' Fill-Rule='EvenOdd' ID='p1' fill='red'/>"
+       "<circle cx='5px' cy='6' r='2.5'/><ellipse cx='1' cy='' rx='2' ry='3' id='e'/>"
+       "<rect width='10' height='4' rx='2' ry='3'/><rect width='10' height='4' rx='100'/>"
+       "<rect width='10' height='4' rx='' ry='3'/>"
+       "<line X1='1' x1='2' y1='abc' x2='3e1' Y2=' -4.5px'/>"
+       "<rect x='50%' y='auto' width='0.1' height='1e-1'/>"
+       "<use HREF='#b' XLIN\u212A:HREF='#c' fill='red' Transform='scale(2)'/>",
        {},
-       "path#p1 d='M0 0L1 1' rule=EvenOdd fill=red"},
-      // A missing or empty cy stays absent.
-      {"<circle cx='5px' cy='6' r='2.5'/><ellipse cx='1' cy='' rx='2' ry='3' id='e'/>",
-       {},
-       "circle cx=5 cy=6 r=2.5; ellipse#e cx=1 cy=- rx=2 ry=3"},
-      // Rectangle corner radii stand in for each other, unclamped.
-      {"<rect width='10' height='4' rx='2' ry='3'/><rect width='10' height='4' rx='100'/>"
-       "<rect width='10' height='4' rx='' ry='3'/>",
-       {},
-       "rect x=0 y=0 w=10 h=4 rx=2 ry=3; rect x=0 y=0 w=10 h=4 rx=100 ry=100; "
-       "rect x=0 y=0 w=10 h=4 rx=3 ry=3"},
-      // The later of two spellings wins.
-      {"<line X1='1' x1='2' y1='abc' x2='3e1' Y2=' -4.5px'/>"
-       "<rect x='50%' y='auto' width='0.1' height='1e-1'/>",
-       {},
-       "line x1=2 y1=0 x2=30 y2=-4.5; rect x=50 y=0 w=0.1 h=0.1 rx=0 ry=0"},
-      {"<use HREF='#b' XLIN\u212A:HREF='#c' fill='red' Transform='scale(2)'/>",
-       {},
+       "rect x=0 y=0 w=0 h=4 rx=0 ry=0; path#p1 d='M0 0L1 1' rule=EvenOdd fill=red; "
+       "circle cx=5 cy=6 r=2.5; ellipse#e cx=1 cy=- rx=2 ry=3; rect x=0 y=0 w=10 h=4 rx=2 ry=3; "
+       "rect x=0 y=0 w=10 h=4 rx=100 ry=100; rect x=0 y=0 w=10 h=4 rx=3 ry=3; "
+       "line x1=2 y1=0 x2=30 y2=-4.5; rect x=50 y=0 w=0.1 h=0.1 rx=0 ry=0; "
        "use href='#b' xlink='#c' fill=red transform=scale(2)"},
   };
   for (const Case& c : cases) {

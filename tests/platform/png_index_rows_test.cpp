@@ -42,89 +42,91 @@ Built build(const Image& image, Build variant) {
   return built;
 }
 
+// Both builds of one kind of rows must agree on the verdict and, where the image is indexed,
+// on everything else; the checksum must then be zlib's Adler-32 of the rows. Gives the portable
+// build's result.
+template <class Table>
+Built expectBuildsAgree(const Image& image, auto dispatched, auto portable) {
+  const Built a = build<Table>(image, dispatched), b = build<Table>(image, portable);
+  EXPECT_EQ(a.indexed, b.indexed);
+  if (!b.indexed) return b;  // the rows are unspecified then
+  EXPECT_EQ(a.rows, b.rows);
+  EXPECT_EQ(a.palette, b.palette);
+  EXPECT_EQ(a.checksum, b.checksum);
+  EXPECT_EQ(b.checksum, adler32(adler32(0, nullptr, 0), b.rows.data(), uInt(b.rows.size())));
+  return b;
+}
+
+// An image of random size up to 300 x 12 in runs of newRun()'s values, short and long, so that
+// whole blocks are sometimes one value and sometimes change at every pixel.
+Image runs(std::mt19937& random, const auto& newRun) {
+  const int width = 1 + static_cast<int>(random() % 300);
+  Image image(width, 1 + static_cast<int>(random() % 12));
+  Rgba value{};
+  for (int i = 0, left = 0; i < width * image.height(); ++i) {
+    if (left-- <= 0) {
+      value = newRun();
+      left = static_cast<int>(random() % 3 == 0 ? random() % 100 : random() % 3);
+    }
+    image.setPixel(i % width, i / width, value);
+  }
+  return image;
+}
+
 TEST(PngIndexRows, EveryBuildGivesTheSameRowsAndZlibsChecksum) {
   std::mt19937 random(5);
   for (int trial = 0; trial < 300; ++trial) {
-    const int width = 1 + static_cast<int>(random() % 300);
-    const int height = 1 + static_cast<int>(random() % 12);
-    const int colours = trial % 10 == 0 ? 300 : 2 + static_cast<int>(random() % 40);
-    // Runs of a few colours, short and long, so that whole blocks are sometimes one value and
-    // sometimes change at every pixel; every tenth trial overflows the palette.
-    Image image(width, height);
-    std::uint32_t value = 0;
-    int runLeft = 0;
-    for (int i = 0; i < width * height; ++i) {
-      if (runLeft-- <= 0) {
-        value = static_cast<std::uint32_t>(random() % colours);
-        runLeft = static_cast<int>(random() % 3 == 0 ? random() % 100 : random() % 3);
-      }
-      image.setPixel(i % width, i / width,
-                     {static_cast<std::uint8_t>(value), static_cast<std::uint8_t>(value >> 8), 9,
-                      static_cast<std::uint8_t>(value * 7)});
-    }
-    SCOPED_TRACE(::testing::Message() << "trial " << trial << ", " << width << " x " << height);
-
-    const Built dispatched = build<ColourTable>(image, indexRows);
-    const Built portable = build<ColourTable>(image, indexRowsWithoutAvx2);
-    ASSERT_EQ(dispatched.indexed, portable.indexed);
-    if (!portable.indexed) continue;  // the rows are unspecified then
-    EXPECT_EQ(dispatched.rows, portable.rows);
-    EXPECT_EQ(dispatched.palette, portable.palette);
-    EXPECT_EQ(dispatched.checksum, portable.checksum);
-    const auto zlibs = static_cast<std::uint32_t>(adler32(
-        adler32(0, nullptr, 0), portable.rows.data(), static_cast<uInt>(portable.rows.size())));
-    EXPECT_EQ(portable.checksum, zlibs);
+    // Every tenth trial overflows the palette.
+    const std::uint32_t colours = trial % 10 == 0 ? 300 : 2 + random() % 40;
+    const Image image = runs(random, [&] {
+      const std::uint32_t v = random() % colours;
+      return Rgba{std::uint8_t(v), std::uint8_t(v >> 8), 9, std::uint8_t(v * 7)};
+    });
+    SCOPED_TRACE(::testing::Message()
+                 << "trial " << trial << ", " << image.width() << " x " << image.height());
+    expectBuildsAgree<ColourTable>(image, indexRows, indexRowsWithoutAvx2);
   }
 }
 
 // One-ink images: the index is the alpha, the palette the ink at every alpha up to the highest,
-// and one pixel of any other kind, wherever it lies, sends the image back to the general path.
+// and one pixel of any other kind, wherever it lies, sends the image back
+// to the general path.
 TEST(PngInkRows, IndexIsTheAlphaAndAnyOtherPixelIsRefused) {
   std::mt19937 random(9);
   for (int trial = 0; trial < 300; ++trial) {
-    const int width = 1 + static_cast<int>(random() % 300);
-    const int height = 1 + static_cast<int>(random() % 12);
     const std::uint32_t ink = trial % 3 == 0 ? 0 : static_cast<std::uint32_t>(random()) & 0xFFFFFF;
-    const int blankRows = static_cast<int>(random() % 4);  // the ink first appears further down
-    Image image(width, height);
-    std::uint8_t alpha = 0, highest = 0;
-    int runLeft = 0, inked = 0;
-    for (int i = blankRows * width; i < width * height; ++i) {
-      if (runLeft-- <= 0) {
-        const auto kind = random() % 3;
-        alpha = kind == 0 ? 0 : kind == 1 ? 255 : static_cast<std::uint8_t>(1 + random() % 255);
-        runLeft = static_cast<int>(random() % 3 == 0 ? random() % 100 : random() % 3);
-      }
-      if (alpha == 0) continue;
-      highest = std::max(highest, alpha);
-      ++inked;
-      image.setPixel(i % width, i / width,
-                     {static_cast<std::uint8_t>(ink), static_cast<std::uint8_t>(ink >> 8),
-                      static_cast<std::uint8_t>(ink >> 16), alpha});
+    Image image = runs(random, [&] {
+      const auto kind = random() % 3;
+      const std::uint8_t alpha = kind == 0 ? 0 : kind == 1 ? 255 : 1 + random() % 255;
+      return alpha == 0
+                 ? Rgba{}
+                 : Rgba{std::uint8_t(ink), std::uint8_t(ink >> 8), std::uint8_t(ink >> 16), alpha};
+    });
+    const int width = image.width(), height = image.height();
+    // The ink first appears further down.
+    for (int i = 0, blank = static_cast<int>(random() % 4) * width; i < blank && i < width * height;
+         ++i) {
+      image.setPixel(i % width, i / width, {});
     }
     SCOPED_TRACE(::testing::Message() << "trial " << trial << ", " << width << " x " << height);
 
-    const Built dispatched = build<Palette>(image, inkIndexRows);
-    const Built portable = build<Palette>(image, inkIndexRowsWithoutAvx2);
-    ASSERT_TRUE(dispatched.indexed);
-    ASSERT_TRUE(portable.indexed);
-    EXPECT_EQ(dispatched.rows, portable.rows);
-    EXPECT_EQ(dispatched.palette, portable.palette);
-    EXPECT_EQ(dispatched.checksum, portable.checksum);
-    EXPECT_EQ(portable.checksum,
-              static_cast<std::uint32_t>(adler32(adler32(0, nullptr, 0), portable.rows.data(),
-                                                 static_cast<uInt>(portable.rows.size()))));
-    ASSERT_EQ(portable.palette.size(), highest + 1u);
+    const Built built = expectBuildsAgree<Palette>(image, inkIndexRows, inkIndexRowsWithoutAvx2);
+    ASSERT_TRUE(built.indexed);
+    int highest = 0, inked = 0;
     for (int y = 0; y < height; ++y) {
-      EXPECT_EQ(portable.rows[y * (width + 1u)], 0);  // no filter
+      EXPECT_EQ(built.rows[y * (width + 1u)], 0);  // no filter
       for (int x = 0; x < width; ++x) {
-        const std::uint8_t index = portable.rows[y * (width + 1u) + 1 + x];
         const Rgba pixel = image.pixel(x, y);
+        const std::uint8_t index = built.rows[y * (width + 1u) + 1 + x];
         ASSERT_EQ(index, pixel.a);
-        const auto entry = portable.palette[index];
+        ASSERT_LT(index, built.palette.size());
+        const auto entry = built.palette[index];
         ASSERT_EQ((Rgba{entry[0], entry[1], entry[2], entry[3]}), pixel) << x << ", " << y;
+        highest = std::max<int>(highest, pixel.a);
+        inked += pixel.a != 0;
       }
     }
+    EXPECT_EQ(built.palette.size(), highest + 1u);
 
     // A misfit: the ink's red with other bytes or any colour at alpha 0, or, where another inked
     // pixel is left to set the ink, another colour.

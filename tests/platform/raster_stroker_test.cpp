@@ -1,9 +1,9 @@
 // Strokes outlined by the native backend's stroker, then scan-converted: caps, joins, the miter
-// limit and degenerate subpaths.
+// limit and closed subpaths. Zero-length subpaths (dots) and miters at other angles are left to
+// the differential test, whose corpus strokes them with every cap, join and limit.
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 #include <random>
 #include <vector>
 
@@ -21,14 +21,11 @@ void expectStroke(const char* name, const Path& path, const StrokeStyle& style, 
                   double tolerance, const std::vector<Probe>& probes) {
   SCOPED_TRACE(name);
   const CoverageGrid grid = stroked(path, style);
-  if (!std::isnan(area)) {
-    EXPECT_NEAR(grid.area(), area, tolerance);
-  }
+  EXPECT_NEAR(grid.area(), area, tolerance);
   expectProbes(grid, probes);
 }
 
 constexpr LineCap kButt = LineCap::Butt, kSquare = LineCap::Square, kRound = LineCap::Round;
-constexpr double kUnchecked = std::numeric_limits<double>::quiet_NaN();
 
 TEST(RasterStroker, CapsAndJoins) {
   const Path line = polyline({{10, 20}, {50, 20}});
@@ -45,30 +42,9 @@ TEST(RasterStroker, CapsAndJoins) {
   // triangle is cut off, exactly as a bevel cuts it.
   const Path corner = polyline({{10, 50}, {50, 50}, {50, 10}});
   expectStroke("a miter within its limit", corner, {10, 1.415}, 800, 0, {});
-  expectStroke("a miter past its limit", corner, {10, 1.414}, 787.5, 0.02, {});
-  EXPECT_EQ(stroked(corner, {10, 1.414}).area(),
-            stroked(corner, {10, 10, kButt, LineJoin::Bevel}).area());
+  expectStroke("a miter past its limit: a bevel", corner, {10, 1.414}, 787.5, 0.02, {});
   expectStroke("round join", corner, {10, 4, kButt, LineJoin::Round}, 775 + pi * 25 / 4,
                pi * 5 / 2 * kFlatteningTolerance, {});
-  // A sharp 30° corner: the ratio is 1/sin(15°) = 3.8637, so 4 mitres and 3.8 bevels; the miter
-  // tip lies 5 · 3.8637 = 19.3 px from the corner, at (118.7, 105).
-  const Path sharp =
-      polyline({{10, 100}, {100, 100}, {100 - 80 * std::cos(pi / 6), 100 - 80 * std::sin(pi / 6)}});
-  expectStroke("a sharp miter within its limit", sharp, {10, 4}, kUnchecked, 0, {{115, 104, 255}});
-  expectStroke("a sharp miter past its limit", sharp, {10, 3.8}, kUnchecked, 0,
-               {{115, 104, 0}, {97, 101, 255}});
-
-  // A circle stroked with any join stays round, without gaps.
-  const double r = 40;
-  std::vector<Probe> ring = {{64, 64, 0}};
-  for (int k = 0; k < 64; ++k) {
-    ring.push_back({static_cast<int>(std::floor(64 + r * std::cos(k * 2 * pi / 64))),
-                    static_cast<int>(std::floor(64 + r * std::sin(k * 2 * pi / 64))), 255});
-  }
-  for (LineJoin join : {LineJoin::Miter, LineJoin::Bevel, LineJoin::Round}) {
-    expectStroke("circle", makeOvalPath({64 - r, 64 - r, 2 * r, 2 * r}), {6, 4, kButt, join},
-                 pi * (43 * 43 - 37 * 37), 3, ring);
-  }
 }
 
 TEST(RasterStroker, ClosedAndDegenerateSubpaths) {
@@ -83,21 +59,6 @@ TEST(RasterStroker, ClosedAndDegenerateSubpaths) {
   // pixels keep their partial coverage.
   expectStroke("closed along one line", polyline({{10, 20.25}, {30, 20.25}, {50, 20.25}}, true),
                {10, 4, kSquare}, 400, 0, {{30, 15, 191}, {30, 25, 64}, {9, 20, 0}});
-
-  // With no length, round caps draw a dot of the stroke width and others nothing.
-  const Path dot = polyline({{30, 30}, {30, 30}});
-  Path curve = polyline({{30, 30}});
-  curve.cubicTo({30, 30}, {30, 30}, {30, 30});
-  const double disc = pi * 36, tolerance = 12 * pi * kFlatteningTolerance;
-  expectStroke("zero-length line, round", dot, {12, 4, kRound}, disc, tolerance, {{30, 30, 255}});
-  expectStroke("zero-length line, butt", dot, {12, 4, kButt}, 0, tolerance, {{30, 30, 0}});
-  expectStroke("zero-length line, square", dot, {12, 4, kSquare}, 0, tolerance, {{30, 30, 0}});
-  expectStroke("closed single point, round", polyline({{30, 30}}, true), {12, 4, kRound}, disc,
-               tolerance, {{30, 30, 255}});
-  expectStroke("zero-length curve, round", curve, {12, 4, kRound}, disc, tolerance,
-               {{30, 30, 255}});
-  expectStroke("lone move, round", polyline({{30, 30}}), {12, 4, kRound}, 0, tolerance,
-               {{30, 30, 0}});
 }
 
 TEST(RasterStroker, ExactUTurnsGoRoundTheFront) {

@@ -11,6 +11,7 @@ namespace tessaline {
 namespace {
 
 TEST(Utf8Text, CountsUserPerceivedCharacters) {
+  // Where characters break is checked by the conformance test below; here what they hold.
   // é, €, an emoji, then "e" + combining acute, "(" + a variation selector, CR LF, and a mark
   // after a tab, which attaches to nothing.
   const Utf8Text text("a\u00e9\u20ac\U0001F600e\u0301(\uFE0F\r\nz\t\u0301");
@@ -18,11 +19,9 @@ TEST(Utf8Text, CountsUserPerceivedCharacters) {
   EXPECT_EQ(text.codePoints().size(), 13u);
   EXPECT_EQ(text.character(1), U'\u00e9');
   EXPECT_EQ(text.character(3), U'\U0001F600');
-  EXPECT_EQ(text.slice(1, 3), "\u00e9\u20ac");
   EXPECT_EQ(text.slice(4, 5), "e\u0301");
   // Characters of several code points match no single code point.
   for (std::size_t i : {4, 5, 6}) EXPECT_EQ(text.character(i), Utf8Text::kCompound) << i;
-  EXPECT_EQ(text.slice(7, 8), "z");
   EXPECT_EQ(text.character(8), U'\t');
   EXPECT_EQ(text.character(9), U'\u0301');
   EXPECT_EQ(text.slice(10, 10), "");
@@ -42,23 +41,12 @@ TEST(Utf8Text, MalformedBytesAreCharactersOfTheirOwn) {
   EXPECT_EQ(text.character(2), U'x');
 }
 
+// The UTF-8 bytes of code point c: a lead byte, then six bits a byte.
 std::string utf8Of(char32_t c) {
-  std::string bytes;
-  if (c < 0x80) {
-    bytes += static_cast<char>(c);
-  } else if (c < 0x800) {
-    bytes += static_cast<char>(0xC0 | (c >> 6));
-    bytes += static_cast<char>(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    bytes += static_cast<char>(0xE0 | (c >> 12));
-    bytes += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    bytes += static_cast<char>(0x80 | (c & 0x3F));
-  } else {
-    bytes += static_cast<char>(0xF0 | (c >> 18));
-    bytes += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-    bytes += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    bytes += static_cast<char>(0x80 | (c & 0x3F));
-  }
+  if (c < 0x80) return std::string(1, static_cast<char>(c));
+  const int tail = c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
+  std::string bytes(1, static_cast<char>((0xFF00 >> (tail + 1)) | (c >> (6 * tail))));
+  for (int i = tail - 1; i >= 0; --i) bytes += static_cast<char>(0x80 | ((c >> (6 * i)) & 0x3F));
   return bytes;
 }
 

@@ -62,6 +62,8 @@ TEST(ComponentDrawing, StepsInOrderAndTheFirstFailureDrawsNothing) {
   // Each failing element also carries what would make every later step fail.
   const std::string failing = " fill='red' clip-path='bad'/>";
   const std::string big = "1" + std::string(40, '0');  // 1e40: beyond a 32-bit float
+  const std::string skewed = "<circle cx='1' r='1' transform='skewX(1)'" + failing;
+  const std::string huge = "<path d='M0 0 L" + big + " 0'";
   struct Case {
     std::string element;
     std::optional<std::string> result;
@@ -94,15 +96,12 @@ TEST(ComponentDrawing, StepsInOrderAndTheFirstFailureDrawsNothing) {
            " 0 L0 10 Z')\"/>",
        {},
        {"clip -", "fill default " + square, "restore"}},
-      {"<circle cx='1' r='1' transform='skewX(1)'" + failing, "Invalid ViewBox", {}, false, {}},
-      {"<circle cx='1' r='1' transform='skewX(1)'" + failing,
-       "Invalid transform function $functionName",
-       {}},
-      {"<circle cx='1' r='1'" + failing,
-       "Invalid path",
-       {}},  // the outline's own message is dropped
-      {"<path d='M0 0 L" + big + " 0'" + failing, "Invalid color", {}},
-      {"<path d='M0 0 L" + big + " 0' fill='#fff' clip-path='bad'/>", "Unable to transform", {}},
+      // The first failure draws nothing; a circle's own outline message is dropped.
+      {skewed, "Invalid ViewBox", {}, false, {}},
+      {skewed, "Invalid transform function $functionName", {}},
+      {"<circle cx='1' r='1'" + failing, "Invalid path", {}},
+      {huge + failing, "Invalid color", {}},
+      {huge + " fill='#fff' clip-path='bad'/>", "Unable to transform", {}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.element);

@@ -26,9 +26,8 @@ TransformResult resultFor(const std::string& transform, const Rect& viewBox = kU
 
 AffineTransform matrixFor(const std::string& transform, const Rect& viewBox = kUnitBox) {
   const TransformResult result = resultFor(transform, viewBox);
-  EXPECT_FALSE(result.error) << transform << ": " << *result.error;
-  EXPECT_TRUE(result.matrix) << transform;
-  return result.matrix.value_or(AffineTransform{});
+  EXPECT_EQ(result.error, std::nullopt) << transform;
+  return result.matrix.value();
 }
 
 void expectMaps(const AffineTransform& m, Point from, Point to) {
