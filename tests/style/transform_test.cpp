@@ -41,6 +41,10 @@ TEST(ConvertXToVP, DividesByTheLargerViewBoxToCanvasRatio) {
   EXPECT_EQ(convertXToVP(3.0f, {-70, 900, 100, 50}, square), 6.0f);  // rx 0.5 wins
   EXPECT_EQ(convertXToVP(3.0f, {0, 0, 50, 100}, square), 6.0f);      // ry 0.5 wins
   EXPECT_EQ(convertXToVP(3.0f, {0, 0, 100, 100}, SizeOnlyCanvas(200, 100)), 3.0f);
+  // A box whose far corner lies left of or above its origin has a negative size; the ratios use
+  // its magnitude, so the larger one still wins.
+  EXPECT_EQ(convertXToVP(3.0f, {0, 0, -100, 50}, square), 6.0f);
+  EXPECT_EQ(convertXToVP(3.0f, {0, 0, 50, -100}, square), 6.0f);
 }
 
 // The rightmost function acts first and the viewport scale last. Functions are separated by spaces
