@@ -83,4 +83,10 @@ class CharacterSplitter {
 // Every piece of a CharacterSplitter.
 std::vector<std::string_view> splitOnCharacters(std::string_view text, std::string_view separator);
 
+// The text without the tabs and space characters (Unicode's space separators: the blank, the
+// no-break space, the ideographic space and the rest of their category) at either end, as the
+// platform trims "white space, not line breaks". Trimming goes code point by code point, so a
+// blank carrying a combining mark loses the blank and keeps the mark.
+std::string_view trimSpacesAndTabs(std::string_view text);
+
 }  // namespace tessaline

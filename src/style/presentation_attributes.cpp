@@ -112,16 +112,6 @@ class NonEmptyPieces {
   CharacterSplitter splitter_;
 };
 
-// Blanks and tabs only: a line break inside a declaration is part of its name or value. Unlike
-// the splitting, trimming works on code points, so a blank is trimmed even when a combining mark
-// follows it.
-std::string_view trimBlanks(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return {};
-  const std::size_t last = text.find_last_not_of(" \t");
-  return text.substr(first, last - first + 1);
-}
-
 }  // namespace
 
 PresentationAttributes::PresentationAttributes(const PresentationAttributes* from) {
@@ -195,7 +185,7 @@ int PresentationAttributes::processAttribute(std::string_view attrName,
           continue;
         }
         // Unknown properties inside a style are ignored without a trace.
-        (void)processAttribute(trimBlanks(name), trimBlanks(value));
+        (void)processAttribute(trimSpacesAndTabs(name), trimSpacesAndTabs(value));
       }
       if (!wellFormed) return -1;
       break;

@@ -87,6 +87,9 @@ TEST(PresentationAttributes, StyleDeclarationsAreTrimmedAndReportedOnlyWhenAllAr
       {"fill:#f00;\u0301stroke:#00f", false, std::nullopt, std::nullopt},
       {"fill:\u0301#f00", false, std::nullopt, std::nullopt},
       {"fill: \u0301#f00", true, "\u0301#f00", std::nullopt},  // trimmed below the character
+      // Every space separator is trimmed (no-break, ideographic, thin), other marks are not.
+      {"fill:\u00a0#f00\u3000;\u2009stroke\u00a0:x", true, "#f00", "x"},
+      {"fill:\u200b#f00\u2028", true, "\u200b#f00\u2028", std::nullopt},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.style);
