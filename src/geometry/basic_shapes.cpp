@@ -1,5 +1,6 @@
 #include "geometry/basic_shapes.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <vector>
 
@@ -18,6 +19,9 @@ constexpr std::string_view kPolygonMissingProperties = "Missing properties";
 
 constexpr std::string_view kOddPointList = "polygon point list read past its end";
 
+// Path data longer than this reserves no more room up front than data of this length.
+constexpr std::size_t kMaxReservedDataLength = 16 * 1024;
+
 DrawPathResult missing(std::string_view message) {
   return {std::nullopt, std::string(message), std::nullopt};
 }
@@ -32,6 +36,11 @@ DrawPathResult PathComponent::getDrawPath() const {
   // A fresh builder and parser on every call: nothing is cached, so drawing from several threads
   // shares no state.
   CGMutablePathWrapper builder;
+  // Icons' path data makes at most about a verb per four characters and a point per three (arcs
+  // and short relative commands are the densest), so this is room for all but the odd path. The
+  // hint is capped: data that fails early must not cost memory in proportion to its length.
+  const std::size_t hint = std::min<std::size_t>(d.size(), kMaxReservedDataLength);
+  builder.reserve(hint / 4 + 2, hint / 3 + 2);
   PathParserResult result = PathParser(d).parse(builder);
   // Exact, case-sensitive: "EvenOdd" and "inherit" fall back to non-zero like any other text.
   FillRule rule = FillRule::Winding;

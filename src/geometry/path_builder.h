@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 #include "platform/geometry_types.h"
 #include "platform/path.h"
 
@@ -32,6 +34,10 @@ class CGMutablePathWrapper {
                      float largeArcFlag, float sweepFlag, float x, float y);
   virtual void addCurve(Point to, Point control1, Point control2);
   virtual void addQuadCurve(Point to, Point control);
+
+  // Makes room in the path for `verbs` verbs and `points` points: a hint that spares the path's
+  // buffers their growth from empty when the caller knows roughly how much is coming.
+  void reserve(std::size_t verbs, std::size_t points) { path_.reserve(verbs, points); }
 
   // The path built so far. Copy it to keep it beyond the builder's life.
   const Path& path() const { return path_; }

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdio>
 #include <numbers>
+#include <utility>
 
 namespace tessaline {
 
@@ -83,15 +84,23 @@ void Path::addRelativeArc(Point center, double radius, double startAngle, double
   }
 }
 
-std::optional<Path> Path::transformed(const AffineTransform& transform) const {
-  Path copy = *this;
-  for (Point& p : copy.points_) {
+std::optional<Path> Path::transformed(const AffineTransform& transform) const& {
+  return Path(*this).transformed(transform);
+}
+
+std::optional<Path> Path::transformed(const AffineTransform& transform) && {
+  for (Point& p : points_) {
     p = transform.apply(p);
     if (!std::isfinite(p.x) || !std::isfinite(p.y)) return std::nullopt;
   }
-  if (copy.current_) copy.current_ = transform.apply(*copy.current_);
-  copy.subpathStart_ = transform.apply(copy.subpathStart_);
-  return copy;
+  if (current_) current_ = transform.apply(*current_);
+  subpathStart_ = transform.apply(subpathStart_);
+  return std::move(*this);
+}
+
+void Path::reserve(std::size_t verbs, std::size_t points) {
+  verbs_.reserve(verbs);
+  points_.reserve(points);
 }
 
 namespace {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -55,8 +56,12 @@ class Path {
                       const AffineTransform& transform);
 
   // A copy with every point mapped through `transform`; nullopt when a resulting coordinate is
-  // not finite.
-  std::optional<Path> transformed(const AffineTransform& transform) const;
+  // not finite. The second form maps a path that is no longer needed in place.
+  std::optional<Path> transformed(const AffineTransform& transform) const&;
+  std::optional<Path> transformed(const AffineTransform& transform) &&;
+
+  // Makes room for `verbs` verbs and `points` points without allocating again.
+  void reserve(std::size_t verbs, std::size_t points);
 
   bool empty() const { return verbs_.empty(); }
   std::optional<Point> currentPoint() const { return current_; }

@@ -50,13 +50,13 @@ std::optional<std::string> PresentationAttributeSVGComponent::draw(
   if (!transform.matrix) return kInvalidTransformMatrix;
 
   // The subclass's own message is dropped when it gives no outline at all.
-  const DrawPathResult outline = getDrawPath();
+  DrawPathResult outline = getDrawPath();
   if (!outline.path) return kInvalidPath;
 
   const PresentationPaint paint = PresentationPaint::get(canvas, *viewBox, merged);
   if (paint.error) return paint.error;
 
-  const std::optional<Path> transformed = outline.path->transformed(*transform.matrix);
+  const std::optional<Path> transformed = std::move(*outline.path).transformed(*transform.matrix);
   if (!transformed) return kUnableToTransform;
 
   const ClipResult clip = getClipPath(forSvg, merged);

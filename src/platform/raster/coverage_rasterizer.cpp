@@ -38,7 +38,14 @@ CoverageRasterizer::CoverageRasterizer(int width, int height)
       words_((stride_ / kGroup + 63) / 64),
       cells_(static_cast<std::size_t>(stride_) * kBandRows, 0),
       touched_(static_cast<std::size_t>(words_) * kBandRows, 0),
-      coverage_(static_cast<std::size_t>(stride_), 0) {}
+      coverage_(static_cast<std::size_t>(stride_), 0) {
+  // Room for the edges of a typical icon's path, so the first shapes do not grow these from
+  // empty a doubling at a time.
+  edges_.reserve(kInitialEdges);
+  order_.reserve(kInitialEdges);
+  active_.reserve(kInitialEdges);
+  bandStart_.reserve(static_cast<std::size_t>(height_ / kBandRows + 2));
+}
 
 void CoverageRasterizer::reset() {
   edges_.clear();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -33,6 +34,13 @@ class FlatPath {
     points_.clear();
     smooth_.clear();
     contours_.clear();
+  }
+
+  // Makes room for `points` points in `contours` contours without allocating again.
+  void reserve(std::size_t points, std::size_t contours) {
+    points_.reserve(points);
+    smooth_.reserve(points);
+    contours_.reserve(contours);
   }
 
   // Starts a new contour at `p`.

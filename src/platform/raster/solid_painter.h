@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <cwchar>
 
 #include "platform/raster/blend_four.h"
 #include "platform/raster/pixel_ops.h"
@@ -140,6 +141,13 @@ class SolidPainter {
       for (int i = 0; i < length; ++i) out[i] = color_;
       return;
     }
+    if (length >= kLongRun) {
+      // The C library's wide fill picks the widest stores the machine has at run time.
+      static_assert(sizeof(wchar_t) == sizeof(PremultipliedPixel));
+      std::wmemset(reinterpret_cast<wchar_t*>(out), static_cast<wchar_t>(color_),
+                   static_cast<std::size_t>(length));
+      return;
+    }
     int i = 0;
     for (; i + 16 < length; i += 16) {  // the inside of a shape: long runs, four copies a turn
       for (int k = 0; k < 16; k += 4) std::memcpy(out + i + k, four, sizeof four);
@@ -158,6 +166,8 @@ class SolidPainter {
       pixel = pixel == 0 ? source : sourceOver(source, pixel);
     }
   }
+
+  static constexpr int kLongRun = 24;
 
   PremultipliedPixel* pixels_;
   const std::uint8_t* mask_;
