@@ -38,14 +38,7 @@ CoverageRasterizer::CoverageRasterizer(int width, int height)
       words_((stride_ / kGroup + 63) / 64),
       cells_(static_cast<std::size_t>(stride_) * kBandRows, 0),
       touched_(static_cast<std::size_t>(words_) * kBandRows, 0),
-      coverage_(static_cast<std::size_t>(stride_), 0) {
-  // Room for the edges of a typical icon's path, so the first shapes do not grow these from
-  // empty a doubling at a time.
-  edges_.reserve(kInitialEdges);
-  order_.reserve(kInitialEdges);
-  active_.reserve(kInitialEdges);
-  bandStart_.reserve(static_cast<std::size_t>(height_ / kBandRows + 2));
-}
+      coverage_(static_cast<std::size_t>(stride_), 0) {}
 
 void CoverageRasterizer::reset() {
   edges_.clear();
@@ -69,6 +62,9 @@ PixelBox CoverageRasterizer::bounds() const {
 
 void CoverageRasterizer::addPath(const FlatPath& path) {
   const std::vector<Point>& points = path.points();
+  // A point starts at most one edge, or three where clipping cuts it; room for one each spares
+  // the edge list its growth a doubling at a time.
+  edges_.reserve(edges_.size() + points.size());
   for (const FlatContour& contour : path.contours()) {
     if (contour.end - contour.begin < 2) continue;
     for (std::uint32_t i = contour.begin + 1; i < contour.end; ++i) {
@@ -159,6 +155,7 @@ void CoverageRasterizer::bucketEdges(int bands) {
   for (const Edge& edge : edges_) ++bandStart_[(pixelOf(edge.top()) - minRow_) / kBandRows + 1];
   for (int band = 0; band < bands; ++band) bandStart_[band + 1] += bandStart_[band];
   order_.resize(edges_.size());
+  active_.reserve(edges_.size());
   active_.assign(bandStart_.begin(), bandStart_.end() - 1);  // next free slot of each band
   for (std::uint32_t i = 0; i < edges_.size(); ++i) {
     order_[active_[(pixelOf(edges_[i].top()) - minRow_) / kBandRows]++] = i;

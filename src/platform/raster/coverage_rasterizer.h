@@ -220,8 +220,6 @@ class CoverageRasterizer {
 
   void reset();
 
-  static constexpr std::size_t kInitialEdges = 1024;
-
   int width_;
   int height_;
   int stride_;  // cells per row: the canvas width plus two, for pieces on the right border,

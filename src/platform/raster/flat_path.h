@@ -36,15 +36,16 @@ class FlatPath {
     contours_.clear();
   }
 
-  // Makes room for `points` points in `contours` contours without allocating again.
-  void reserve(std::size_t points, std::size_t contours) {
-    points_.reserve(points);
-    smooth_.reserve(points);
-    contours_.reserve(contours);
-  }
-
   // Starts a new contour at `p`.
   void moveTo(Point p) {
+    // The first contour makes room for a typical icon's path at once: growing from empty a
+    // doubling at a time costs a dozen allocations and copies, and an icon draws with one
+    // context that is then gone.
+    if (contours_.capacity() == 0) {
+      points_.reserve(kInitialPoints);
+      smooth_.reserve(kInitialPoints);
+      contours_.reserve(kInitialContours);
+    }
     contours_.push_back({size(), size(), false, {}, {}});
     push(p, false);
   }
@@ -69,6 +70,9 @@ class FlatPath {
   }
 
  private:
+  static constexpr std::size_t kInitialPoints = 512;
+  static constexpr std::size_t kInitialContours = 16;
+
   std::uint32_t size() const { return static_cast<std::uint32_t>(points_.size()); }
 
   void push(Point p, bool smooth) {

@@ -24,12 +24,7 @@ NativeRasterContext::NativeRasterContext(int width, int height)
       canvas_(width_, height_),
       translucent_(width_, height_),
       clips_(width_, height_),
-      rasterizer_(width_, height_) {
-  // A context draws one icon and is gone. Room for a typical icon's paths up front spares the
-  // doubling of each buffer from empty, a dozen allocations and copies per path otherwise.
-  flat_.reserve(kInitialPoints, kInitialContours);
-  outline_.reserve(2 * kInitialPoints, kInitialContours);
-}
+      rasterizer_(width_, height_) {}
 
 void NativeRasterContext::save() {
   clips_.save();

@@ -50,9 +50,6 @@ class NativeRasterContext final : public RasterContext {
     return reinterpret_cast<PremultipliedPixel*>(canvas_.bytes().data());
   }
 
-  static constexpr std::size_t kInitialPoints = 512;
-  static constexpr std::size_t kInitialContours = 32;
-
   int width_;
   int height_;
   // The canvas holds premultiplied pixels in the buffer of the image it becomes: takeImage()
