@@ -72,13 +72,6 @@ std::optional<float> shortDecimal(std::string_view digits) {
 
 }  // namespace
 
-std::optional<float> shortDecimalValue(std::uint64_t integer, int count, int fractionDigits) {
-  static constexpr float kPowersOfTen[] = {1e0f, 1e1f, 1e2f, 1e3f, 1e4f,
-                                           1e5f, 1e6f, 1e7f, 1e8f, 1e9f};
-  if (count > 9 || integer > (1u << 24)) return std::nullopt;
-  return static_cast<float>(integer) / kPowersOfTen[fractionDigits];
-}
-
 std::size_t scanDecimalPrefix(std::string_view text) {
   std::size_t i = 0;
   if (i < text.size() && (text[i] == '+' || text[i] == '-')) ++i;
