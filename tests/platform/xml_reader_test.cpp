@@ -62,5 +62,34 @@ TEST(XmlReader, FailsOnMalformedDocumentsAfterReportingWhatCameBefore) {
   }
 }
 
+// Besides the encodings the reader knows itself, one-byte encodings are read through the C
+// library's tables, values arriving as UTF-8; encodings of several bytes per character, bytes an
+// encoding leaves undefined and names nobody knows make the document not well formed.
+TEST(XmlReader, ReadsDeclaredOneByteEncodings) {
+  struct Case {
+    const char* encoding;
+    const char* value;
+    bool wellFormed;
+    Lines lines;
+  };
+  const Case cases[] = {
+      {"windows-1252", "\x80", true, {"+a v=\u20ac", "-a"}},
+      {"ISO-8859-15", "\xa4", true, {"+a v=\u20ac", "-a"}},
+      {"KOI8-R", "\xc1", true, {"+a v=\u0430", "-a"}},
+      {"ISO-8859-1", "\xa4", true, {"+a v=\u00a4", "-a"}},
+      {"windows-1252", "\x81", false, {}},
+      {"Shift_JIS", "x", false, {}},
+      {"no-such-encoding", "x", false, {}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.encoding);
+    Transcript transcript;
+    const std::string text = std::string("<?xml version=\"1.0\" encoding=\"") + c.encoding +
+                             "\"?><a v=\"" + c.value + "\"/>";
+    EXPECT_EQ(readXml(text, transcript), c.wellFormed);
+    EXPECT_EQ(transcript.lines, c.lines);
+  }
+}
+
 }  // namespace
 }  // namespace tessaline
