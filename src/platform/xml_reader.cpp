@@ -4,6 +4,7 @@
 #include <iconv.h>
 
 #include <algorithm>
+#include <bit>
 #include <cerrno>
 #include <climits>
 #include <cstddef>
@@ -58,7 +59,10 @@ int codePointOfByte(iconv_t converter, unsigned char byte) {
 // by byte through its table. Encodings of several bytes per character are refused, which makes
 // the document not well formed.
 int XMLCALL onUnknownEncoding(void*, const XML_Char* name, XML_Encoding* info) {
-  const iconv_t opened = iconv_open("UTF-32LE", name);
+  // Code points come out as 32-bit numbers in the machine's own byte order.
+  constexpr const char* kCodePoints =
+      std::endian::native == std::endian::little ? "UTF-32LE" : "UTF-32BE";
+  const iconv_t opened = iconv_open(kCodePoints, name);
   if (opened == reinterpret_cast<iconv_t>(-1)) return XML_STATUS_ERROR;
   const IconvHandle converter(opened);
   for (int byte = 0; byte < 256; ++byte) {
