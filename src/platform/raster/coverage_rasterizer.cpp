@@ -63,8 +63,11 @@ PixelBox CoverageRasterizer::bounds() const {
 void CoverageRasterizer::addPath(const FlatPath& path) {
   const std::vector<Point>& points = path.points();
   // A point starts at most one edge, or three where clipping cuts it; room for one each spares
-  // the edge list its growth a doubling at a time.
-  edges_.reserve(edges_.size() + points.size());
+  // the edge list its growth a doubling at a time. Still doubling when it must grow, so that
+  // many small paths added to one shape stay linear.
+  if (const std::size_t wanted = edges_.size() + points.size(); wanted > edges_.capacity()) {
+    edges_.reserve(std::max(wanted, 2 * edges_.capacity()));
+  }
   for (const FlatContour& contour : path.contours()) {
     if (contour.end - contour.begin < 2) continue;
     for (std::uint32_t i = contour.begin + 1; i < contour.end; ++i) {
