@@ -34,5 +34,18 @@ TEST(CharacterSearch, SplitsAtWholeCharacterSeparators) {
   EXPECT_EQ(splitOnCharacters("2 \u0301 3", " "), (Pieces{"2 \u0301", "3"}));
 }
 
+// Trimming goes code point by code point from both ends; a broken sequence at the end is no
+// space, and neither is a character merely ending in a space separator's last bytes.
+TEST(CharacterSearch, TrimsSpaceSeparatorsAndTabsAtBothEnds) {
+  EXPECT_EQ(trimSpacesAndTabs("\t\u00a0 a b\u3000\u2009"), "a b");
+  EXPECT_EQ(trimSpacesAndTabs("\u3000\u00a0"), "");
+  EXPECT_EQ(trimSpacesAndTabs(" \u0301a "), "\u0301a");
+  EXPECT_EQ(trimSpacesAndTabs("\na\r"), "\na\r");
+  EXPECT_EQ(trimSpacesAndTabs("a\xe3\x80"), "a\xe3\x80");          // U+3000 cut short
+  EXPECT_EQ(trimSpacesAndTabs("a\x80\x80\x80"), "a\x80\x80\x80");  // stray continuation bytes
+  EXPECT_EQ(trimSpacesAndTabs("a\xe3\x80\x80\x80"), "a\xe3\x80\x80\x80");  // U+3000, one byte on
+  EXPECT_EQ(trimSpacesAndTabs("\xe3\x80\x80\x80"), "\x80");
+}
+
 }  // namespace
 }  // namespace tessaline
