@@ -80,12 +80,23 @@ class SolidPainter {
   // the sweep keeps it in registers rather than reading the painter again after every store.
   class GroupRow {
    public:
-    GroupRow(PremultipliedPixel* pixels, __m128i color, TranslucentMarks* marks, int y)
-        : pixels_(pixels), color_(color), marks_(marks), y_(y) {}
+    GroupRow(PremultipliedPixel* pixels, __m128i color, TranslucentMarks* marks, int y,
+             bool opaqueBlack)
+        : pixels_(pixels), color_(color), marks_(marks), y_(y), opaqueBlack_(opaqueBlack) {}
 
     // Paints pixels x...x + 3 with the coverages of the rasterizer's lanes, as varying() would.
     void group(int x, __m128i coverages) {
       if (marks_ != nullptr) marks_->mark(y_, x, 4);
+      if (opaqueBlack_) {
+        // Opaque black over transparent pixels, the edges of most icons, is the coverage as
+        // alpha and nothing else: what the blend below computes, without its arithmetic.
+        __m128i* const out = reinterpret_cast<__m128i*>(pixels_ + x);
+        const __m128i destination = _mm_loadu_si128(out);
+        if (_mm_movemask_epi8(_mm_cmpeq_epi32(destination, _mm_setzero_si128())) == 0xffff) {
+          _mm_storeu_si128(out, _mm_slli_epi32(coverages, 24));
+          return;
+        }
+      }
       __m128i firstTwo, lastTwo;
       detail::spreadCoverageLanes(coverages, firstTwo, lastTwo);
       detail::blendFour(pixels_ + x, color_, firstTwo, lastTwo);
@@ -96,10 +107,12 @@ class SolidPainter {
     __m128i color_;
     TranslucentMarks* marks_;  // null when the ink marks nothing
     int y_;
+    bool opaqueBlack_;
   };
 
   GroupRow groupRow(int y) const requires(!Masked) {
-    return GroupRow(row(y), detail::colorLanes(color_), marking_ ? marks_ : nullptr, y);
+    return GroupRow(row(y), detail::colorLanes(color_), marking_ ? marks_ : nullptr, y,
+                    color_ == 0xff000000u);
   }
 #endif
 
