@@ -28,8 +28,9 @@ class XmlReaderCallbacks {
 // data, comments and processing instructions are not reported.
 //
 // The encoding is the one the document declares, UTF-8 when it declares none. Besides UTF-8,
-// UTF-16, ISO-8859-1 and US-ASCII, any encoding of one byte per character that the C library
-// converts (windows-1252, ISO-8859-15, KOI8-R, ...) is read; names and values arrive as UTF-8.
+// UTF-16, ISO-8859-1 and US-ASCII, other spellings of UTF-8 ("utf8") and any encoding of one byte
+// per character that the C library converts (windows-1252, ISO-8859-15, KOI8-R, ...) are read;
+// names and values arrive as UTF-8.
 bool readXml(std::string_view text, XmlReaderCallbacks& callbacks);
 
 }  // namespace tessaline

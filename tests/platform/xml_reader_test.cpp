@@ -63,8 +63,9 @@ TEST(XmlReader, FailsOnMalformedDocumentsAfterReportingWhatCameBefore) {
 }
 
 // Besides the encodings the reader knows itself, one-byte encodings are read through the C
-// library's tables, values arriving as UTF-8; encodings of several bytes per character, bytes an
-// encoding leaves undefined and names nobody knows make the document not well formed.
+// library's tables and other spellings of UTF-8 as UTF-8, values arriving as UTF-8; other
+// encodings of several bytes per character, bytes an encoding leaves undefined, malformed UTF-8
+// and names nobody knows make the document not well formed.
 TEST(XmlReader, ReadsDeclaredOneByteEncodings) {
   struct Case {
     const char* encoding;
@@ -77,6 +78,8 @@ TEST(XmlReader, ReadsDeclaredOneByteEncodings) {
       {"ISO-8859-15", "\xa4", true, {"+a v=\u20ac", "-a"}},
       {"KOI8-R", "\xc1", true, {"+a v=\u0430", "-a"}},
       {"ISO-8859-1", "\xa4", true, {"+a v=\u00a4", "-a"}},
+      {"utf8", "\u00e9\U0001F600", true, {"+a v=\u00e9\U0001F600", "-a"}},
+      {"UTF_8", "\xc0\xaf", false, {}},  // an overlong form
       {"windows-1252", "\x81", false, {}},
       {"Shift_JIS", "x", false, {}},
       {"no-such-encoding", "x", false, {}},
