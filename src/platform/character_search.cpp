@@ -1,5 +1,7 @@
 #include "platform/character_search.h"
 
+#include <algorithm>
+
 namespace tessaline {
 
 std::size_t CharacterText::findWholeCharacters(std::string_view needle, std::size_t from) const {
@@ -24,29 +26,22 @@ bool isSpaceOrTab(char32_t c) {
          c == 0x202F || c == 0x205F || c == 0x3000;
 }
 
-bool isContinuationByte(char byte) {
-  return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
-}
-
 }  // namespace
 
 std::string_view trimSpacesAndTabs(std::string_view text) {
-  std::size_t begin = 0;
-  while (begin < text.size()) {
-    const DecodedCodePoint decoded = decodeUtf8At(text, begin);
-    if (!isSpaceOrTab(decoded.codePoint)) break;
-    begin += decoded.length;
+  // One pass forward keeps the code points as decoding cuts them, broken sequences included:
+  // from the first code point that is kept to the end of the last.
+  std::size_t begin = text.size();
+  std::size_t end = 0;
+  for (std::size_t at = 0; at < text.size();) {
+    const DecodedCodePoint decoded = decodeUtf8At(text, at);
+    if (!isSpaceOrTab(decoded.codePoint)) {
+      begin = std::min(begin, at);
+      end = at + decoded.length;
+    }
+    at += decoded.length;
   }
-  std::size_t end = text.size();
-  while (end > begin) {
-    // Back to where the last code point starts: at most three continuation bytes precede it.
-    std::size_t start = end - 1;
-    while (start > begin && end - start < 4 && isContinuationByte(text[start])) --start;
-    const DecodedCodePoint decoded = decodeUtf8At(text, start);
-    if (start + decoded.length != end || !isSpaceOrTab(decoded.codePoint)) break;
-    end = start;
-  }
-  return text.substr(begin, end - begin);
+  return begin < end ? text.substr(begin, end - begin) : std::string_view();
 }
 
 }  // namespace tessaline

@@ -58,22 +58,34 @@ inline void spreadCoverageLanes(__m128i coverages, __m128i& firstTwo, __m128i& l
   spreadCoverageWords(_mm_packs_epi32(coverages, coverages), firstTwo, lastTwo);
 }
 
-// Blends `color` (in 16-bit lanes, colorLanes) onto the four pixels at `pixels` with the
-// coverages spread as spreadCoverages gives them.
-inline void blendFour(std::uint32_t* pixels, __m128i color, __m128i firstTwo, __m128i lastTwo) {
-  const __m128i destination = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pixels));
-  const __m128i zero = _mm_setzero_si128();
-  if (_mm_movemask_epi8(_mm_cmpeq_epi32(destination, zero)) == 0xffff) {
+// Whether all four pixels of `destination` are transparent (all zeros).
+inline bool allTransparent(__m128i destination) {
+  return _mm_movemask_epi8(_mm_cmpeq_epi32(destination, _mm_setzero_si128())) == 0xffff;
+}
+
+// Source-over of `color` (in 16-bit lanes, colorLanes) at four coverages, spread as
+// spreadCoverages gives them, onto the four pixels `destination`; the result is stored to
+// `pixels`, where `destination` was loaded from.
+inline void blendFourOnto(std::uint32_t* pixels, __m128i destination, __m128i color,
+                          __m128i firstTwo, __m128i lastTwo) {
+  __m128i low, high;
+  if (allTransparent(destination)) {
     // Over transparent pixels (the edges of the first shape to reach them) the scaled colour is
     // the result, as source-over would compute it.
-    const __m128i low = multiply255Lanes(color, firstTwo);
-    const __m128i high = multiply255Lanes(color, lastTwo);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(pixels), _mm_packus_epi16(low, high));
-    return;
+    low = multiply255Lanes(color, firstTwo);
+    high = multiply255Lanes(color, lastTwo);
+  } else {
+    const __m128i zero = _mm_setzero_si128();
+    low = blendTwo(_mm_unpacklo_epi8(destination, zero), color, firstTwo);
+    high = blendTwo(_mm_unpackhi_epi8(destination, zero), color, lastTwo);
   }
-  const __m128i low = blendTwo(_mm_unpacklo_epi8(destination, zero), color, firstTwo);
-  const __m128i high = blendTwo(_mm_unpackhi_epi8(destination, zero), color, lastTwo);
   _mm_storeu_si128(reinterpret_cast<__m128i*>(pixels), _mm_packus_epi16(low, high));
+}
+
+// The same, loading the four pixels at `pixels` first.
+inline void blendFour(std::uint32_t* pixels, __m128i color, __m128i firstTwo, __m128i lastTwo) {
+  blendFourOnto(pixels, _mm_loadu_si128(reinterpret_cast<const __m128i*>(pixels)), color, firstTwo,
+                lastTwo);
 }
 
 // Blends `color` (in 16-bit lanes, colorLanes) onto the four pixels at `pixels` with the

@@ -87,19 +87,17 @@ class SolidPainter {
     // Paints pixels x...x + 3 with the coverages of the rasterizer's lanes, as varying() would.
     void group(int x, __m128i coverages) {
       if (marks_ != nullptr) marks_->mark(y_, x, 4);
-      if (opaqueBlack_) {
+      PremultipliedPixel* const out = pixels_ + x;
+      const __m128i destination = _mm_loadu_si128(reinterpret_cast<const __m128i*>(out));
+      if (opaqueBlack_ && detail::allTransparent(destination)) {
         // Opaque black over transparent pixels, the edges of most icons, is the coverage as
-        // alpha and nothing else: what the blend below computes, without its arithmetic.
-        __m128i* const out = reinterpret_cast<__m128i*>(pixels_ + x);
-        const __m128i destination = _mm_loadu_si128(out);
-        if (_mm_movemask_epi8(_mm_cmpeq_epi32(destination, _mm_setzero_si128())) == 0xffff) {
-          _mm_storeu_si128(out, _mm_slli_epi32(coverages, 24));
-          return;
-        }
+        // alpha and nothing else: what the blend computes, without its arithmetic.
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_slli_epi32(coverages, 24));
+        return;
       }
       __m128i firstTwo, lastTwo;
       detail::spreadCoverageLanes(coverages, firstTwo, lastTwo);
-      detail::blendFour(pixels_ + x, color_, firstTwo, lastTwo);
+      detail::blendFourOnto(out, destination, color_, firstTwo, lastTwo);
     }
 
    private:
