@@ -81,6 +81,20 @@ TEST(RasterCoverage, RandomTrianglesMatchTheExactAreaOfEveryPixel) {
         rasterize(polygon(triangle), n % 2 ? FillRule::EvenOdd : FillRule::Winding, 32),
         [&](int x, int y) { return exactPixelArea(triangle, x, y) * 255; }, 2);
   }
+  // Past 256 pixels the marks of touched cells take more than one word per row; these triangles
+  // straddle the first word's end (column 256) and must come out just as exact.
+  for (int n = 0; n < 100; ++n) {
+    const auto column = [&] { return 240 + (random() % 36000) / 1000.0; };  // 240 ... 276
+    const auto row = [&] { return (random() % 32000) / 1000.0; };           // 0 ... 32
+    const std::vector<Point> triangle = {{column(), row()}, {column(), row()}, {column(), row()}};
+    SCOPED_TRACE(::testing::Message() << "wide triangle " << n);
+    expectEveryPixel(
+        rasterize(polygon(triangle), FillRule::Winding, 300),
+        [&](int x, int y) {
+          return x >= 239 && x < 278 && y < 33 ? exactPixelArea(triangle, x, y) * 255 : 0;
+        },
+        2);
+  }
 }
 
 TEST(RasterCoverage, BoxLimitsWorkWithoutChangingCoverageInside) {

@@ -71,20 +71,28 @@ void CoverageRasterizer::addPath(const FlatPath& path) {
   for (const FlatContour& contour : path.contours()) {
     if (contour.end - contour.begin < 2) continue;
     for (std::uint32_t i = contour.begin + 1; i < contour.end; ++i) {
-      addLine(points[i - 1], points[i]);
+      addEdge(points[i - 1], points[i]);
     }
-    addLine(points[contour.end - 1], points[contour.begin]);
+    addEdge(points[contour.end - 1], points[contour.begin]);
   }
 }
 
 void CoverageRasterizer::addLine(Point a, Point b) {
-  // Most edges lie wholly inside the box and need none of the clipping below (which would leave
-  // them as they are). NaN fails every comparison and takes the long way.
+  addEdge(a, b);
+}
+
+void CoverageRasterizer::addEdge(Point a, Point b) {
+  // Most edges lie wholly inside the box and need none of the clipping (which would leave them as
+  // they are). NaN fails every comparison and takes the long way.
   if (a.x >= box_.x0 && a.x <= box_.x1 && b.x >= box_.x0 && b.x <= box_.x1 && a.y >= box_.y0 &&
       a.y <= box_.y1 && b.y >= box_.y0 && b.y <= box_.y1 && (a.x < box_.x1 || b.x < box_.x1)) {
     if (a.y != b.y) addFixedEdge(toFixed(a.x), toFixed(a.y), toFixed(b.x), toFixed(b.y));
     return;
   }
+  addClippedLine(a, b);
+}
+
+void CoverageRasterizer::addClippedLine(Point a, Point b) {
   // Paths arrive finite, but a stroke outline of an absurd width can overflow; such an edge is
   // pinned far outside the canvas or, if it has no direction at all, dropped.
   if (!tame(a.x) || !tame(a.y) || !tame(b.x) || !tame(b.y)) return;
@@ -145,62 +153,64 @@ void CoverageRasterizer::addVertical(int x, double y0, double y1) {
 
 void CoverageRasterizer::addFixedEdge(int x0, int y0, int x1, int y1) {
   if (y0 == y1) return;
-  const Edge edge{x0, y0, x1, y1, static_cast<double>(x1 - x0) / (y1 - y0)};
+  // The slope is the same from either end.
+  const double dxdy = static_cast<double>(x1 - x0) / (y1 - y0);
+  const Edge edge = y0 < y1 ? Edge{x0, y0, x1, y1, 1, dxdy} : Edge{x1, y1, x0, y0, -1, dxdy};
   edges_.push_back(edge);
-  minRow_ = std::min(minRow_, pixelOf(edge.top()));
-  maxRow_ = std::max(maxRow_, pixelOf(edge.bottom() - 1));
+  minRow_ = std::min(minRow_, pixelOf(edge.yTop));
+  maxRow_ = std::max(maxRow_, pixelOf(edge.yBottom - 1));
   minCol_ = std::min(minCol_, pixelOf(std::min(x0, x1)));
   maxCol_ = std::max(maxCol_, pixelOf(std::max(x0, x1)) + 1);
 }
 
 void CoverageRasterizer::bucketEdges(int bands) {
   bandStart_.assign(static_cast<std::size_t>(bands) + 1, 0);
-  for (const Edge& edge : edges_) ++bandStart_[(pixelOf(edge.top()) - minRow_) / kBandRows + 1];
+  for (const Edge& edge : edges_) ++bandStart_[(pixelOf(edge.yTop) - minRow_) / kBandRows + 1];
   for (int band = 0; band < bands; ++band) bandStart_[band + 1] += bandStart_[band];
   order_.resize(edges_.size());
   active_.reserve(edges_.size());
   active_.assign(bandStart_.begin(), bandStart_.end() - 1);  // next free slot of each band
   for (std::uint32_t i = 0; i < edges_.size(); ++i) {
-    order_[active_[(pixelOf(edges_[i].top()) - minRow_) / kBandRows]++] = i;
+    order_[active_[(pixelOf(edges_[i].yTop) - minRow_) / kBandRows]++] = i;
   }
 }
 
 // Walks an edge from its top to its bottom whichever way it points; `sign` restores its
 // direction, which is all that the cells need of it.
 void CoverageRasterizer::renderEdge(const Edge& edge, int firstRow, int endRow) {
-  const bool down = edge.y0 < edge.y1;
-  const int sign = down ? 1 : -1;
-  const int yTop = down ? edge.y0 : edge.y1, yBottom = down ? edge.y1 : edge.y0;
-  const int xTop = down ? edge.x0 : edge.x1, xBottom = down ? edge.x1 : edge.x0;
+  const int sign = edge.sign;
+  const int yTop = edge.yTop, yBottom = edge.yBottom, xTop = edge.xTop, xBottom = edge.xBottom;
   const int top = std::max(yTop, firstRow * kOne);
   const int bottom = std::min(yBottom, endRow * kOne);
   if (top >= bottom) return;
-  const double dxdy = edge.dxdy;  // the same from either end
+  const double dxdy = edge.dxdy;
   // x where the edge meets height y, rounded to the nearest 1/256 px (never below 0).
-  const auto xAt = [&](int y) {
-    return y == yBottom ? xBottom : static_cast<int>(xTop + (y - yTop) * dxdy + 0.5);
-  };
+  const auto xAt = [&](int y) { return static_cast<int>(xTop + (y - yTop) * dxdy + 0.5); };
   int row = pixelOf(top);
+  const int lastRow = pixelOf(bottom - 1);
   std::uint32_t* cells = cells_.data() + static_cast<std::size_t>(row - firstRow) * stride_;
   std::uint64_t* bits = touched_.data() + static_cast<std::size_t>(row - firstRow) * words_;
   int y = top - row * kOne;  // within the row
   int x = top == yTop ? xTop : xAt(top);
-  for (;;) {
-    const int rowBottom = std::min(bottom - row * kOne, kOne);
-    const int xEnd = xAt(row * kOne + rowBottom);
+  // The piece of the edge inside the current row, from (x, y) down to (xEnd, yEnd).
+  const auto addPiece = [&](int xEnd, int yEnd) {
     const int col = pixelOf(x);
     if (col == pixelOf(xEnd)) {
-      addCell(cells, bits, col, sign * (rowBottom - y), (x - col * kOne) + (xEnd - col * kOne));
+      addCell(cells, bits, col, sign * (yEnd - y), (x - col * kOne) + (xEnd - col * kOne));
     } else {
-      addRowPiece(cells, bits, x, y, xEnd, rowBottom, sign, dxdy);
+      addRowPiece(cells, bits, x, y, xEnd, yEnd, sign, dxdy);
     }
-    if (row * kOne + rowBottom == bottom) return;
-    ++row;
+  };
+  // Every row but the last is crossed to its bottom, where the edge does not end.
+  for (; row < lastRow; ++row) {
+    const int xEnd = xAt((row + 1) * kOne);
+    addPiece(xEnd, kOne);
     cells += stride_;
     bits += words_;
     y = 0;
     x = xEnd;
   }
+  addPiece(bottom == yBottom ? xBottom : xAt(bottom), bottom - row * kOne);
 }
 
 // A piece from (xa, ya) down to (xb, yb) inside one row, x in fixed point across the canvas and
@@ -212,17 +222,20 @@ void CoverageRasterizer::addRowPiece(std::uint32_t* cells, std::uint64_t* bits, 
   // cell and never pay for this division. A piece crossing a border is never vertical.
   const double dydx = 1 / dxdy;
   const int step = xb > xa ? 1 : -1;
-  const int colB = pixelOf(xb);
+  const int colA = pixelOf(xa), colB = pixelOf(xb);
+  // Every cell from the first to one past the last receives something, so their groups are
+  // marked at once rather than cell by cell.
+  markColumns(bits, std::min(colA, colB), std::max(colA, colB) + 1);
   int x = xa, y = ya;
-  for (int col = pixelOf(xa);; col += step) {
+  for (int col = colA;; col += step) {
     const int left = col * kOne;
     if (col == colB) {
-      addCell(cells, bits, col, sign * (yb - y), (x - left) + (xb - left));
+      accumulateCell(cells, col, sign * (yb - y), (x - left) + (xb - left));
       return;
     }
     const int border = step > 0 ? left + kOne : left;
     const int yBorder = std::clamp(static_cast<int>(ya + (border - xa) * dydx + 0.5), y, yb);
-    if (yBorder != y) addCell(cells, bits, col, sign * (yBorder - y), (x - left) + (border - left));
+    accumulateCell(cells, col, sign * (yBorder - y), (x - left) + (border - left));
     x = border;
     y = yBorder;
   }

@@ -119,23 +119,28 @@ class CoverageRasterizer {
   }
 
  private:
-  // An edge clipped to the box, in 24.8 fixed point, y0 != y1, kept in its direction. Its slope
-  // is divided out once when it is stored: an edge is walked once per band it spans, and the
-  // divisions of many edges overlap there where one edge's walk would wait for its own.
+  // An edge clipped to the box, in 24.8 fixed point, stored from its top to its bottom (yTop <
+  // yBottom) with `sign` giving its direction (+1 pointing down), which is all that the cells
+  // need of it. Its slope is divided out once when it is stored: an edge is walked once per band
+  // it spans, and the divisions of many edges overlap there where one edge's walk would wait for
+  // its own.
   struct Edge {
-    int x0, y0, x1, y1;
-    double dxdy;  // (x1 - x0) / (y1 - y0)
-    int top() const { return y0 < y1 ? y0 : y1; }
-    int bottom() const { return y0 < y1 ? y1 : y0; }
+    int xTop, yTop, xBottom, yBottom;
+    int sign;
+    double dxdy;  // (xBottom - xTop) / (yBottom - yTop)
   };
 
-  void addFixedEdge(int x0, int y0, int x1, int y1);
+  // addLine, kept inline for addPath's loop: the test for an edge inside the box and the storing
+  // of such an edge, with the clipping of the others out of line.
+  [[gnu::always_inline]] inline void addEdge(Point a, Point b);
+  void addClippedLine(Point a, Point b);
+  [[gnu::always_inline]] inline void addFixedEdge(int x0, int y0, int x1, int y1);
   void addVertical(int x, double y0, double y1);
   // Walks the part of `edge` within rows [firstRow, endRow) of the current band into its cells.
   void renderEdge(const Edge& edge, int firstRow, int endRow);
   // A piece of an edge inside one row that crosses cell borders; see renderEdge.
-  void addRowPiece(std::uint32_t* cells, std::uint64_t* bits, int xa, int ya, int xb, int yb,
-                   int sign, double dxdy);
+  [[gnu::always_inline]] inline void addRowPiece(std::uint32_t* cells, std::uint64_t* bits, int xa,
+                                                 int ya, int xb, int yb, int sign, double dxdy);
 
   // Records an edge piece of height `dy` inside cell `col` of a row whose ends lie fx1 and fx2
   // from the cell's left side (their sum given as `fxSum`, in 1/256 px). The cell keeps the
@@ -148,6 +153,28 @@ class CoverageRasterizer {
     if (area != 0) {
       cells[col + 1] += static_cast<std::uint32_t>(area);
       mark(bits, col + 1);
+    }
+  }
+
+  // addCell without the marks, for a caller that marks the columns it touched in one go.
+  static void accumulateCell(std::uint32_t* cells, int col, int dy, int fxSum) {
+    const int area = dy * fxSum;
+    cells[col] += static_cast<std::uint32_t>(dy * 512 - area);
+    cells[col + 1] += static_cast<std::uint32_t>(area);
+  }
+
+  // Marks the groups of columns first...last (first <= last). Marking a group that holds no
+  // change costs the sweep a visit but changes nothing it hands out.
+  static void markColumns(std::uint64_t* bits, int first, int last) {
+    const unsigned firstGroup = static_cast<unsigned>(first) / kGroup;
+    const unsigned lastGroup = static_cast<unsigned>(last) / kGroup;
+    if ((firstGroup >> 6) == (lastGroup >> 6)) {
+      bits[firstGroup >> 6] |=
+          (~std::uint64_t{0} << (firstGroup & 63)) & (~std::uint64_t{0} >> (63 - (lastGroup & 63)));
+      return;
+    }
+    for (unsigned group = firstGroup; group <= lastGroup; ++group) {
+      bits[group >> 6] |= std::uint64_t{1} << (group & 63);
     }
   }
 
@@ -216,7 +243,7 @@ class CoverageRasterizer {
   void sweepBands(Sink& sink);
 
   template <bool EvenOdd, typename Sink>
-  void sweepRow(int y, int bandRow, Sink& sink);
+  [[gnu::always_inline]] inline void sweepRow(int y, int bandRow, Sink& sink);
 
   void reset();
 
@@ -257,7 +284,7 @@ void CoverageRasterizer::sweepBands(Sink& sink) {
     for (std::uint32_t index : active_) {
       const Edge& edge = edges_[index];
       renderEdge(edge, firstRow, endRow);
-      if (edge.bottom() > endRow * 256) active_[kept++] = index;
+      if (edge.yBottom > endRow * 256) active_[kept++] = index;
     }
     active_.resize(kept);
     for (int y = firstRow; y < endRow; ++y) sweepRow<EvenOdd>(y, y - firstRow, sink);
