@@ -191,6 +191,20 @@ void CoverageRasterizer::renderEdge(const Edge& edge, int firstRow, int endRow) 
   std::uint32_t* cells = cells_.data() + static_cast<std::size_t>(row - firstRow) * stride_;
   std::uint64_t* bits = touched_.data() + static_cast<std::size_t>(row - firstRow) * words_;
   int y = top - row * kOne;  // within the row
+  if (dxdy == 0) {
+    // A vertical edge (the sides of rectangles, lines along an axis) leaves the same share in the
+    // same cell of every row it crosses whole; only its first and last rows may be partial.
+    const int col = pixelOf(xTop);
+    const int fxSum = 2 * (xTop - col * kOne);
+    for (; row < lastRow; ++row) {
+      addCell(cells, bits, col, sign * (kOne - y), fxSum);
+      cells += stride_;
+      bits += words_;
+      y = 0;
+    }
+    addCell(cells, bits, col, sign * (bottom - row * kOne - y), fxSum);
+    return;
+  }
   int x = top == yTop ? xTop : xAt(top);
   // The piece of the edge inside the current row, from (x, y) down to (xEnd, yEnd).
   const auto addPiece = [&](int xEnd, int yEnd) {
