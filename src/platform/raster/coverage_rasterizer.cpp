@@ -175,6 +175,19 @@ void CoverageRasterizer::bucketEdges(int bands) {
   }
 }
 
+void CoverageRasterizer::renderBand(int band, int firstRow, int endRow) {
+  for (std::uint32_t i = bandStart_[band]; i < bandStart_[band + 1]; ++i) {
+    active_.push_back(order_[i]);
+  }
+  std::size_t kept = 0;
+  for (std::uint32_t index : active_) {
+    const Edge& edge = edges_[index];
+    renderEdge(edge, firstRow, endRow);
+    if (edge.yBottom > endRow * kOne) active_[kept++] = index;
+  }
+  active_.resize(kept);
+}
+
 // Walks an edge from its top to its bottom whichever way it points; `sign` restores its
 // direction, which is all that the cells need of it.
 void CoverageRasterizer::renderEdge(const Edge& edge, int firstRow, int endRow) {

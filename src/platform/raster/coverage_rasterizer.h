@@ -136,8 +136,11 @@ class CoverageRasterizer {
   void addClippedLine(Point a, Point b);
   [[gnu::always_inline]] inline void addFixedEdge(int x0, int y0, int x1, int y1);
   void addVertical(int x, double y0, double y1);
+  // Walks the part of every edge active in `band` (rows [firstRow, endRow)) into its cells and
+  // drops from the active edges those that end within it.
+  void renderBand(int band, int firstRow, int endRow);
   // Walks the part of `edge` within rows [firstRow, endRow) of the current band into its cells.
-  void renderEdge(const Edge& edge, int firstRow, int endRow);
+  [[gnu::always_inline]] inline void renderEdge(const Edge& edge, int firstRow, int endRow);
   // A piece of an edge inside one row that crosses cell borders; see renderEdge.
   [[gnu::always_inline]] inline void addRowPiece(std::uint32_t* cells, std::uint64_t* bits, int xa,
                                                  int ya, int xb, int yb, int sign, double dxdy);
@@ -276,17 +279,7 @@ void CoverageRasterizer::sweepBands(Sink& sink) {
   for (int band = 0; band < bands; ++band) {
     const int firstRow = minRow_ + band * kBandRows;
     const int endRow = std::min(firstRow + kBandRows, maxRow_ + 1);
-    for (std::uint32_t i = bandStart_[band]; i < bandStart_[band + 1]; ++i) {
-      active_.push_back(order_[i]);
-    }
-    // Render the band's part of every active edge, dropping edges that end within it.
-    std::size_t kept = 0;
-    for (std::uint32_t index : active_) {
-      const Edge& edge = edges_[index];
-      renderEdge(edge, firstRow, endRow);
-      if (edge.yBottom > endRow * 256) active_[kept++] = index;
-    }
-    active_.resize(kept);
+    renderBand(band, firstRow, endRow);
     for (int y = firstRow; y < endRow; ++y) sweepRow<EvenOdd>(y, y - firstRow, sink);
   }
   reset();
