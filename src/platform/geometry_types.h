@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cmath>
+
 namespace tessaline {
 
 // The platform's 64-bit coordinate types. The library's own records hold 32-bit floats and widen
@@ -23,6 +25,15 @@ struct Rect {
   double height = 0;
   friend bool operator==(const Rect&, const Rect&) = default;
 };
+
+// A rectangle's width and height as the platform reports them: magnitudes, so a rectangle written
+// with its far corner first is as large as the same one written the usual way round.
+inline double widthOf(const Rect& rect) {
+  return std::fabs(rect.width);
+}
+inline double heightOf(const Rect& rect) {
+  return std::fabs(rect.height);
+}
 
 enum class FillRule { Winding, EvenOdd };
 

@@ -30,8 +30,8 @@ std::vector<std::string> SVGDefinition::draw(SVGCanvasProtocol& canvas, const SV
   if (overrideViewBox && viewBox) {
     // Only the sizes of the two boxes matter, as magnitudes; a zero-sized own box gives an
     // infinite or not-a-number factor, written as it is.
-    const double sx = std::fabs(overrideViewBox->width) / std::fabs(viewBox->width);
-    const double sy = std::fabs(overrideViewBox->height) / std::fabs(viewBox->height);
+    const double sx = widthOf(*overrideViewBox) / widthOf(*viewBox);
+    const double sy = heightOf(*overrideViewBox) / heightOf(*viewBox);
     // Scaling is appended to an existing transform and never invents one: a referring element
     // without any transform is a deliberate stop.
     if (!attributes.transform) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <memory>
 
 #include "api/svg_canvas.h"
@@ -105,10 +104,8 @@ TransformResult TransformHelper::getTransformMatrix(const std::optional<std::str
 }
 
 float convertXToVP(float value, const Rect& viewBox, const SVGCanvasProtocol& canvas) {
-  // The platform's rectangle reports its width and height as magnitudes, so a view box written
-  // with its far corner first is as large as the same box written the usual way round.
-  const double rx = std::fabs(viewBox.width) / static_cast<double>(canvas.getWidth());
-  const double ry = std::fabs(viewBox.height) / static_cast<double>(canvas.getHeight());
+  const double rx = widthOf(viewBox) / static_cast<double>(canvas.getWidth());
+  const double ry = heightOf(viewBox) / static_cast<double>(canvas.getHeight());
   const double r = rx <= ry ? ry : rx;
   return static_cast<float>(static_cast<double>(value) / r);
 }

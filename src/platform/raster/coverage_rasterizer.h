@@ -148,22 +148,18 @@ class CoverageRasterizer {
   // Records an edge piece of height `dy` inside cell `col` of a row whose ends lie fx1 and fx2
   // from the cell's left side (their sum given as `fxSum`, in 1/256 px). The cell keeps the
   // piece's cover less its area, the next cell its area, so a prefix sum along the row gives
-  // each pixel's covered area.
-  static void addCell(std::uint32_t* cells, std::uint64_t* bits, int col, int dy, int fxSum) {
-    const int area = dy * fxSum;
-    cells[col] += static_cast<std::uint32_t>(dy * 512 - area);
-    mark(bits, col);
-    if (area != 0) {
-      cells[col + 1] += static_cast<std::uint32_t>(area);
-      mark(bits, col + 1);
-    }
-  }
-
-  // addCell without the marks, for a caller that marks the columns it touched in one go.
+  // each pixel's covered area. Marks nothing; see addCell.
   static void accumulateCell(std::uint32_t* cells, int col, int dy, int fxSum) {
     const int area = dy * fxSum;
     cells[col] += static_cast<std::uint32_t>(dy * 512 - area);
     cells[col + 1] += static_cast<std::uint32_t>(area);
+  }
+
+  // accumulateCell, marking the cell's group and, when it received something, the next cell's.
+  static void addCell(std::uint32_t* cells, std::uint64_t* bits, int col, int dy, int fxSum) {
+    accumulateCell(cells, col, dy, fxSum);
+    mark(bits, col);
+    if (dy * fxSum != 0) mark(bits, col + 1);
   }
 
   // Marks the groups of columns first...last (first <= last). Marking a group that holds no
