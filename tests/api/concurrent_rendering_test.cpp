@@ -23,14 +23,13 @@ Rendered render(const SVGFile& file, const std::string& key) {
 TEST(ConcurrentRendering, ThreadsSharingOneFileProduceTheSamePixels) {
   const SVGFile file(testing::readTestData("../../examples/sprite.svg"));
   std::vector<std::string> keys;
-  for (const auto& entry : file.symbolDefinitions) keys.push_back(entry.first);
-  ASSERT_GE(keys.size(), 10u);
-
   std::map<std::string, Rendered> reference;
-  for (const std::string& key : keys) {
+  for (const auto& [key, definition] : file.symbolDefinitions) {
+    keys.push_back(key);
     reference[key] = render(file, key);
     ASSERT_TRUE(reference[key].first.has_value()) << key;
   }
+  ASSERT_GE(keys.size(), 10u);
 
   constexpr int kThreads = 4, kRounds = 3;
   std::vector<std::vector<std::string>> mismatches(kThreads);

@@ -41,10 +41,7 @@ class RecordingRasterContext final : public RasterContext {
 // given with a stroke paint plays no part, and caps and joins are mapped by name.
 TEST(SVGCanvas, CallsReachingTheRasterContext) {
   Path triangle;
-  triangle.moveTo({0, 0});
-  triangle.lineTo({10, 0});
-  triangle.lineTo({10, 10});
-  triangle.close();
+  triangle.moveTo({0, 0}), triangle.lineTo({10, 0}), triangle.lineTo({10, 10}), triangle.close();
   const Color orange{1, 0.5, 0, 0.25};
   using Cap = PaintStrokeCap;
   using Join = PaintStrokeLineJoin;

@@ -17,21 +17,17 @@ namespace tessaline {
 namespace {
 
 using Texts = std::vector<std::string>;
-using testing::ProbeComponent;
+using testing::Probe;
+using testing::probe;
 
 TEST(TessalineUtil, DrawsEachTopLevelComponentWithTheDefinitionsBoxAndNoStyling) {
-  auto svg = std::make_shared<SVGDefinition>();
+  const Probe probes[] = {probe("drawing error"), probe(std::nullopt), probe(""), probe("another")};
+  const auto svg = testing::definitionOf({std::begin(probes), std::end(probes)});
   svg->viewBox = Rect{1, 2, 30, 40};
   svg->errorMessages = {"parse error"};
-  const std::vector<std::shared_ptr<ProbeComponent>> probes = {
-      std::make_shared<ProbeComponent>("drawing error"),
-      std::make_shared<ProbeComponent>(std::nullopt), std::make_shared<ProbeComponent>(""),
-      std::make_shared<ProbeComponent>("another")};
-  svg->svgComponents.assign(probes.begin(), probes.end());
   // Sub-definitions are reached only by reference, never drawn by the top level.
-  auto hidden = std::make_shared<ProbeComponent>("never");
-  svg->svgSubDefinitions = std::make_shared<SVGDefinition>();
-  svg->svgSubDefinitions->svgComponents = {hidden};
+  const Probe hidden = probe("never");
+  svg->svgSubDefinitions = testing::definitionOf({hidden});
 
   // The requested size is carried, not used.
   const TessalineResponse response =

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace tessaline {
@@ -34,45 +35,40 @@ TEST(PathComponent, ParsesItsDataAndMapsTheFillRule) {
   }
 }
 
-// Parsing leaves only a circle's or ellipse's cy absent; a rect's size and a polygon's points are
-// checked here too. The polygon has its own spelling, with a lower-case p.
-TEST(BasicShapes, MissingValuesGiveNoOutlineAndAMessage) {
+// A rect rounds all corners by rx alone; circles and ellipses are the ovals of their bounding
+// boxes, with the box computed in 32 bits (0.1f + 0.1f, not the double sum of the widened
+// values); a line is an open two-point path. None has a fill rule of its own. Parsing leaves only a
+// circle's or ellipse's cy absent; a rect's size and a polygon's points are checked here too, and
+// the polygon has its own spelling, with a lower-case p.
+TEST(BasicShapes, OutlinesAreThoseOfThePlatformShapesAndMissingValuesGiveAMessage) {
   const std::optional<float> none;
   PolygonComponent polygon("t", "5 5", kNoAttributes);
   polygon.points.clear();
-  const std::pair<DrawPathResult, const char*> cases[] = {
-      {RectComponent("r", kNoAttributes, 0, 0, 10, none, 0, 0).getDrawPath(), "Missing Properties"},
-      {CircleComponent("c", kNoAttributes, 1, none, 3).getDrawPath(), "Missing Properties"},
-      {EllipseComponent("e", kNoAttributes, 1, none, 3, 4).getDrawPath(), "Missing Properties"},
-      {polygon.getDrawPath(), "Missing properties"},
-  };
-  for (const auto& [result, message] : cases) {
-    EXPECT_FALSE(result.path) << message;
-    EXPECT_EQ(result.message, message);
-    EXPECT_FALSE(result.fillRule);
-  }
-}
-
-// A rect rounds all corners by rx alone; circles and ellipses are the ovals of their bounding
-// boxes, with the box computed in 32 bits (0.1f + 0.1f, not the double sum of the widened
-// values); a line is an open two-point path.
-TEST(BasicShapes, OutlinesAreThoseOfThePlatformShapes) {
   Path line;
   line.moveTo({1, 2});
   line.lineTo({3, 4});
   const double corner = 1.0f - 0.1f, size = 0.1f + 0.1f;
-  const std::pair<DrawPathResult, Path> cases[] = {
+  const std::tuple<DrawPathResult, std::optional<Path>, std::optional<std::string>> cases[] = {
       {RectComponent("r", kNoAttributes, 1, 2, 10, 20, 3, 9).getDrawPath(),
-       makeRoundedRectPath({1, 2, 10, 20}, 3)},
+       makeRoundedRectPath({1, 2, 10, 20}, 3), std::nullopt},
       {CircleComponent("c", kNoAttributes, 1, 1, 0.1f).getDrawPath(),
-       makeOvalPath({corner, corner, size, size})},
+       makeOvalPath({corner, corner, size, size}), std::nullopt},
       {EllipseComponent("e", kNoAttributes, 10, 20, 4, 2).getDrawPath(),
-       makeOvalPath({6, 18, 8, 4})},
-      {LineComponent("l", kNoAttributes, 1, 2, 3, 4).getDrawPath(), line},
+       makeOvalPath({6, 18, 8, 4}), std::nullopt},
+      {LineComponent("l", kNoAttributes, 1, 2, 3, 4).getDrawPath(), line, std::nullopt},
+      {RectComponent("r", kNoAttributes, 0, 0, 10, none, 0, 0).getDrawPath(), std::nullopt,
+       "Missing Properties"},
+      {CircleComponent("c", kNoAttributes, 1, none, 3).getDrawPath(), std::nullopt,
+       "Missing Properties"},
+      {EllipseComponent("e", kNoAttributes, 1, none, 3, 4).getDrawPath(), std::nullopt,
+       "Missing Properties"},
+      {polygon.getDrawPath(), std::nullopt, "Missing properties"},
   };
-  for (const auto& [result, expected] : cases) {
-    EXPECT_EQ(result.path, expected);  // with no message and no fill rule of their own
-    EXPECT_FALSE(result.message || result.fillRule);
+  for (const auto& [result, path, message] : cases) {
+    SCOPED_TRACE(message.value_or(path ? path->dump(6) : ""));
+    EXPECT_EQ(result.path, path);
+    EXPECT_EQ(result.message, message);
+    EXPECT_FALSE(result.fillRule);
   }
 }
 

@@ -21,31 +21,41 @@ constexpr std::array kCases{
     HostileCase{HostileKind::DeepUnknown, "deep-unknown", "deep"},
 };
 
-constexpr std::string_view kMarker = "<rect x='0' y='0' width='24' height='24' fill='#ff0000'/>";
+// A symbol holding the red marker square.
+std::string markerSymbol(std::string_view id) {
+  return "<symbol id='" + std::string(id) +
+         "' viewBox='0 0 24 24'><rect x='0' y='0' width='24' height='24' fill='#ff0000'/>"
+         "</symbol>\n";
+}
 
 // An ordinary icon of about 1 KB: strokes, fills, a group with a transform, an arc.
 void appendIcon(std::string& out, std::size_t n) {
-  out += "<symbol id='icon-" + std::to_string(n) + "' viewBox='0 0 24 24'>";
-  out +=
-      "<g transform='translate(1 1)' stroke='#202020' stroke-width='2' fill='none' "
-      "stroke-linecap='round' stroke-linejoin='round'>";
-  out += "<path d='M3 12h18M12 3v18'/><circle cx='12' cy='12' r='9'/>";
-  out += "<path d='M4.5 4.5a10 10 0 0 1 15 0l-2 3c-1.5-1.2-3.2-1.8-5-1.8s-3.5.6-5 1.8z'/>";
-  out += "</g><rect x='2' y='2' width='6' height='6' rx='1.5' fill='#3060c0' opacity='0.8'/>";
-  out += "<polygon points='14 14 22 14 18 22' fill='#c03030'/>";
-  out += "<ellipse cx='6' cy='18' rx='3' ry='2' fill='#30a030'/>";
-  out += "<path d='M2 22c2-4 6-4 8 0s6 4 8 0 4-4 4-4' stroke='#000' fill='none'/>";
-  out += "<line x1='1' y1='1' x2='23' y2='23' stroke='#888' stroke-width='0.5'/>";
-  out += "</symbol>\n";
+  out += "<symbol id='icon-" + std::to_string(n) +
+         "' viewBox='0 0 24 24'>"
+         "<g transform='translate(1 1)' stroke='#202020' stroke-width='2' fill='none' "
+         "stroke-linecap='round' stroke-linejoin='round'>"
+         "<path d='M3 12h18M12 3v18'/><circle cx='12' cy='12' r='9'/>"
+         "<path d='M4.5 4.5a10 10 0 0 1 15 0l-2 3c-1.5-1.2-3.2-1.8-5-1.8s-3.5.6-5 1.8z'/>"
+         "</g><rect x='2' y='2' width='6' height='6' rx='1.5' fill='#3060c0' opacity='0.8'/>"
+         "<polygon points='14 14 22 14 18 22' fill='#c03030'/>"
+         "<ellipse cx='6' cy='18' rx='3' ry='2' fill='#30a030'/>"
+         "<path d='M2 22c2-4 6-4 8 0s6 4 8 0 4-4 4-4' stroke='#000' fill='none'/>"
+         "<line x1='1' y1='1' x2='23' y2='23' stroke='#888' stroke-width='0.5'/></symbol>\n";
 }
 
-void appendNested(std::string& out, std::string_view open, std::string_view close,
-                  std::string_view inner) {
-  out.reserve(out.size() + kDepth * (open.size() + close.size()) + inner.size());
+// The symbol "deep": `before`, kDepth levels of `open` ... `close` around `inner`, then `after`.
+std::string deepSymbol(std::string_view before, std::string_view open, std::string_view close,
+                       std::string_view inner, std::string_view after) {
+  std::string out = "<symbol id='deep' viewBox='0 0 24 24'>";
+  out.reserve(kDepth * (open.size() + close.size()) + 256);
+  out += before;
   for (int i = 0; i < kDepth; ++i) out += open;
   out += inner;
   for (int i = 0; i < kDepth; ++i) out += close;
+  return out.append(after).append("</symbol>\n");
 }
+
+constexpr std::string_view kCircle = "<circle cx='12' cy='12' r='6'/>";
 
 std::string hostileBody(HostileKind kind) {
   std::string out;
@@ -53,45 +63,31 @@ std::string hostileBody(HostileKind kind) {
     case HostileKind::LargeDocument:
       out.reserve(kLargeBytes + 4096);
       for (std::size_t n = 0; out.size() < kLargeBytes; ++n) appendIcon(out, n);
-      break;
+      return out;
     case HostileKind::ManySymbols:
       for (int n = 0; n < kManySymbols; ++n) {
-        out += "<symbol id='s-" + std::to_string(n) +
-               "' viewBox='0 0 24 24'><circle cx='12' cy='12' r='6'/></symbol>\n";
+        out += "<symbol id='s-" + std::to_string(n) + "' viewBox='0 0 24 24'>" +
+               std::string(kCircle) + "</symbol>\n";
       }
-      break;
-    case HostileKind::LongPath: {
+      return out;
+    case HostileKind::LongPath:
       // A zigzag of relative lines, closed right after its last number.
-      std::string d = "M0 12";
-      d.reserve(kLongPathChars + 16);
-      while (d.size() + 1 < kLongPathChars) d += "l.01 1 .01-1";
-      d += 'z';
-      out += "<symbol id='long' viewBox='0 0 24 24'><path fill='none' stroke='#000' d='" + d +
-             "'/></symbol>\n";
-      break;
-    }
+      out = "M0 12";
+      out.reserve(kLongPathChars + 16);
+      while (out.size() + 1 < kLongPathChars) out += "l.01 1 .01-1";
+      return "<symbol id='long' viewBox='0 0 24 24'><path fill='none' stroke='#000' d='" + out +
+             "z'/></symbol>\n";
     case HostileKind::DeepGroups:
-      out += "<symbol id='deep' viewBox='0 0 24 24'>";
-      appendNested(out, "<g fill='#0000ff'>", "</g>", "<circle cx='12' cy='12' r='6'/>");
-      out += "</symbol>\n";
-      break;
+      return deepSymbol("", "<g fill='#0000ff'>", "</g>", kCircle, "");
     case HostileKind::DeepDefs:
-      out += "<symbol id='deep' viewBox='0 0 24 24'>";
-      appendNested(out, "<defs>", "</defs>", "<circle id='c' cx='12' cy='12' r='6'/>");
-      out += "<use href='#c' fill='#0000ff'/></symbol>\n";
-      break;
+      return deepSymbol("", "<defs>", "</defs>", "<circle id='c' cx='12' cy='12' r='6'/>",
+                        "<use href='#c' fill='#0000ff'/>");
     case HostileKind::DeepClipPaths:
-      out += "<symbol id='deep' viewBox='0 0 24 24'><defs><clipPath id='k'>";
-      appendNested(out, "<clipPath>", "</clipPath>", "<circle cx='12' cy='12' r='6'/>");
-      out +=
-          "</clipPath></defs><rect width='24' height='24' fill='#0000ff' "
-          "clip-path='url(#k)'/></symbol>\n";
-      break;
+      return deepSymbol("<defs><clipPath id='k'>", "<clipPath>", "</clipPath>", kCircle,
+                        "</clipPath></defs><rect width='24' height='24' fill='#0000ff' "
+                        "clip-path='url(#k)'/>");
     case HostileKind::DeepUnknown:
-      out += "<symbol id='deep' viewBox='0 0 24 24'>";
-      appendNested(out, "<x>", "</x>", "<circle cx='12' cy='12' r='6' fill='#0000ff'/>");
-      out += "</symbol>\n";
-      break;
+      return deepSymbol("", "<x>", "</x>", "<circle cx='12' cy='12' r='6' fill='#0000ff'/>", "");
   }
   return out;
 }
@@ -103,15 +99,8 @@ std::span<const HostileCase> hostileCases() {
 }
 
 std::string makeHostileDocument(HostileKind kind) {
-  std::string document = "<svg xmlns='http://www.w3.org/2000/svg'>\n";
-  document += "<symbol id='first' viewBox='0 0 24 24'>";
-  document += kMarker;
-  document += "</symbol>\n";
-  document += hostileBody(kind);
-  document += "<symbol id='last' viewBox='0 0 24 24'>";
-  document += kMarker;
-  document += "</symbol>\n</svg>\n";
-  return document;
+  return "<svg xmlns='http://www.w3.org/2000/svg'>\n" + markerSymbol("first") + hostileBody(kind) +
+         markerSymbol("last") + "</svg>\n";
 }
 
 }  // namespace tessaline::testing

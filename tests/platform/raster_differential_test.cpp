@@ -98,11 +98,8 @@ struct Generator {
       const Point a = p[(i + n - 1) % n], b = p[i], c = p[(i + 1) % n], d = p[(i + 2) % n];
       const Point c1{b.x + (c.x - a.x) / 6, b.y + (c.y - a.y) / 6};
       const Point c2{c.x - (d.x - b.x) / 6, c.y - (d.y - b.y) / 6};
-      if (below(3) == 0) {
-        path.quadTo({(c1.x + c2.x) / 2, (c1.y + c2.y) / 2}, c);
-      } else {
-        path.cubicTo(c1, c2, c);
-      }
+      below(3) == 0 ? path.quadTo({(c1.x + c2.x) / 2, (c1.y + c2.y) / 2}, c)
+                    : path.cubicTo(c1, c2, c);
     }
     path.close();
     return path;
@@ -139,13 +136,9 @@ struct Generator {
     Path path = polyline({point()});
     for (int i = 0, count = 2 + below(5); i < count; ++i) {
       const int kind = below(3);
-      if (kind == 0) {
-        path.lineTo(point());
-      } else if (kind == 1) {
-        path.quadTo(point(), point());
-      } else {
-        path.cubicTo(point(), point(), point());
-      }
+      kind == 0   ? path.lineTo(point())
+      : kind == 1 ? path.quadTo(point(), point())
+                  : path.cubicTo(point(), point(), point());
     }
     if (closed) path.close();
     return path;

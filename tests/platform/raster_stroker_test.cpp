@@ -27,7 +27,7 @@ void expectStroke(const char* name, const Path& path, const StrokeStyle& style, 
 
 constexpr LineCap kButt = LineCap::Butt, kSquare = LineCap::Square, kRound = LineCap::Round;
 
-TEST(RasterStroker, CapsAndJoins) {
+TEST(RasterStroker, CapsJoinsAndClosedSubpaths) {
   const Path line = polyline({{10, 20}, {50, 20}});
   expectStroke("butt caps end at the ends", line, {10, 4, kButt}, 400, 0,
                {{9, 20, 0}, {30, 15, 255}, {30, 14, 0}, {30, 24, 255}, {30, 25, 0}});
@@ -45,10 +45,9 @@ TEST(RasterStroker, CapsAndJoins) {
   expectStroke("a miter past its limit: a bevel", corner, {10, 1.414}, 787.5, 0.02, {});
   expectStroke("round join", corner, {10, 4, kButt, LineJoin::Round}, 775 + pi * 25 / 4,
                pi * 5 / 2 * kFlatteningTolerance, {});
-}
 
-TEST(RasterStroker, ClosedAndDegenerateSubpaths) {
-  // The mitred start corner; the empty inside; no square cap sticking out at the start.
+  // Closed subpaths: the mitred start corner; the empty inside; no square cap sticking out at the
+  // start.
   expectStroke("closed: joined at the start, no caps",
                polyline({{10, 10}, {50, 10}, {50, 50}, {10, 50}}, true), {10, 4, kSquare}, 1600, 0,
                {{5, 5, 255}, {30, 30, 0}, {4, 10, 0}});

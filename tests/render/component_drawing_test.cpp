@@ -44,10 +44,8 @@ struct Drawn {
 Drawn draw(const std::string& element, bool inherit = false,
            const std::optional<Rect>& box = Rect{0, 0, 128, 128}) {
   PresentationAttributes inherited;
-  inherited.fill = "#00ff00";
-  inherited.transform = "translate(100 100)";
-  inherited.stroke = "#0000ff";
-  inherited.strokeWidth = "3";
+  inherited.fill = "#00ff00", inherited.transform = "translate(100 100)";
+  inherited.stroke = "#0000ff", inherited.strokeWidth = "3";
   const auto parsed = testing::parseSymbolBody(element);
   Drawn drawn;
   drawn.result = parsed->svgComponents.at(0)->draw(drawn.canvas, box, document(),

@@ -18,20 +18,11 @@
 namespace tessaline {
 namespace {
 
-using testing::ProbeComponent;
-using Probe = std::shared_ptr<ProbeComponent>;
+using testing::definitionOf;
+using testing::Probe;
+using testing::probe;
 
 constexpr Rect kBox24{0, 0, 24, 24};
-
-Probe probe(std::optional<std::string> answer, std::optional<std::string> id = std::nullopt) {
-  return std::make_shared<ProbeComponent>(std::move(answer), std::move(id));
-}
-
-std::shared_ptr<SVGDefinition> definitionOf(std::vector<std::shared_ptr<SVGComponent>> components) {
-  auto definition = std::make_shared<SVGDefinition>();
-  definition->svgComponents = std::move(components);
-  return definition;
-}
 
 PresentationAttributes styled(std::optional<std::string> fill,
                               std::optional<std::string> transform) {

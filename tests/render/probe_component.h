@@ -1,10 +1,12 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "parse/svg_component.h"
+#include "parse/svg_definition.h"
 
 namespace tessaline::testing {
 
@@ -32,5 +34,18 @@ class ProbeComponent final : public SVGComponent {
  private:
   std::optional<std::string> answer_;
 };
+
+using Probe = std::shared_ptr<ProbeComponent>;
+
+inline Probe probe(std::optional<std::string> answer, std::optional<std::string> id = {}) {
+  return std::make_shared<ProbeComponent>(std::move(answer), std::move(id));
+}
+
+inline std::shared_ptr<SVGDefinition> definitionOf(
+    std::vector<std::shared_ptr<SVGComponent>> components) {
+  auto definition = std::make_shared<SVGDefinition>();
+  definition->svgComponents = std::move(components);
+  return definition;
+}
 
 }  // namespace tessaline::testing

@@ -11,20 +11,16 @@ namespace {
 using Names = std::vector<std::string>;
 using A = PresentationAttributes;
 
-SVGEvent tag(SVGEvent::Attributes attributes) {
-  return {EventType::StartTag, "path", std::move(attributes)};
-}
-
 // A tag from "name=value|name=value...".
 SVGEvent tag(std::string_view text) {
-  SVGEvent::Attributes attributes;
+  SVGEvent event{EventType::StartTag, "path", {}};
   while (!text.empty()) {
     const std::string_view item = text.substr(0, text.find('|'));
     text.remove_prefix(std::min(item.size() + 1, text.size()));
     const std::size_t equals = item.find('=');
-    attributes.emplace_back(item.substr(0, equals), item.substr(equals + 1));
+    event.attributes.emplace_back(item.substr(0, equals), item.substr(equals + 1));
   }
-  return tag(std::move(attributes));
+  return event;
 }
 
 using Fields = std::vector<std::optional<std::string>>;
@@ -61,7 +57,7 @@ TEST(PresentationAttributes, LaterValuesReplaceEarlierOnesExceptTransformsWhichA
   A inherited;
   inherited.transform = "";
   A child(&inherited);
-  child.parse(tag({{"transform", "scale(3)"}}));
+  child.parse(tag("transform=scale(3)"));
   EXPECT_EQ(child.transform, " scale(3)");
   EXPECT_EQ(inherited.transform, "");
 }
@@ -94,7 +90,8 @@ TEST(PresentationAttributes, StyleDeclarationsAreTrimmedAndReportedOnlyWhenAllAr
   for (const Case& c : cases) {
     SCOPED_TRACE(c.style);
     A attributes;
-    EXPECT_EQ(attributes.parse(tag({{"Style", c.style}})), c.consumed ? Names{"style"} : Names{});
+    EXPECT_EQ(attributes.parse(tag(std::string("Style=") + c.style)),
+              c.consumed ? Names{"style"} : Names{});
     EXPECT_EQ(attributes.fill, c.fill);
     EXPECT_EQ(attributes.stroke, c.stroke);
   }

@@ -26,9 +26,7 @@ TEST(EscapeHtml, EscapesMarkupAndRepairsInvalidUtf8) {
 }
 
 TEST(EncodeUrlPath, EncodesPercentSignsOfImageNames) {
-  EXPECT_EQ(encodeUrlPath("images/home.png"), "images/home.png");
-  EXPECT_EQ(encodeUrlPath("images/a%3Cb.png"), "images/a%253Cb.png");
-  EXPECT_EQ(encodeUrlPath("images/a b#?.png"), "images/a%20b%23%3F.png");
+  EXPECT_EQ(encodeUrlPath("images/a%3C b#?.png"), "images/a%253C%20b%23%3F.png");
 }
 
 TEST(RenderReportHtml, WritesOneCardPerEntryWithEscapedKeysAndErrors) {
@@ -66,8 +64,7 @@ TEST(ContactSheetLayout, CapsColumnsAtTheSymbolCountAndStacksRows) {
   const std::array<int, 5> cases[] = {
       {23, 8, 96, 768, 3 * (96 + 15)},
       {3, 8, 96, 288, 96 + 15},
-      {0, 8, 96, 96, 96 + 15},  // one "no symbols" cell
-      {10, 1, 48, 48, 10 * (48 + 15)},
+      {0, 8, 96, 96, 96 + 15},           // one "no symbols" cell
       {9, 4, 192, 768, 3 * (192 + 30)},  // cells from 192 pixels write keys twice as large
   };
   for (const auto& [count, columns, cell, width, height] : cases) {
