@@ -76,7 +76,8 @@ bench-build: bootstrap
 
 bench: bench-build
 	@$(BENCH_BUILD)/bench/tessaline_bench --benchmark_counters_tabular=true \
-	  --benchmark_repetitions=$(BENCH_REPETITIONS) --benchmark_display_aggregates_only=true
+	  --benchmark_repetitions=$(BENCH_REPETITIONS) --benchmark_display_aggregates_only=true \
+	  --benchmark_enable_random_interleaving=true
 	@if [ ! -x $(BENCH_BUILD)/bench/compare/tessaline_rsvg_compare ]; then \
 	  echo "bench: librsvg2-dev not installed, no side-by-side comparison"; \
 	elif [ ! -s bench/data/bootstrap-icons.svg ]; then \

@@ -49,10 +49,12 @@ def google_benchmarks(build, pattern, repetitions):
     binary = os.path.join(build, "bench", "tessaline_bench")
     if not os.access(binary, os.X_OK):
         fail(f"{binary} not built (run make bench-build)")
-    # The best of several repetitions: interference from other work on a shared machine only
-    # ever slows a run down, and moves single runs by a quarter or more.
+    # The repetitions of the benchmarks compared with one another run interleaved in a random
+    # order, so that a slow phase of a shared machine falls on all of them alike rather than on
+    # whichever ran during it.
     out = run([binary, f"--benchmark_filter={pattern}",
-               f"--benchmark_repetitions={repetitions}", "--benchmark_format=json"])
+               f"--benchmark_repetitions={repetitions}",
+               "--benchmark_enable_random_interleaving=true", "--benchmark_format=json"])
     report = json.loads(out)
     runs = {}
     for entry in report["benchmarks"]:
@@ -60,34 +62,45 @@ def google_benchmarks(build, pattern, repetitions):
             fail(f"{entry['name']}: {entry.get('error_message')}")
         if entry.get("run_type") != "iteration":
             continue
-        best = runs.get(entry["run_name"])
-        if best is None or entry["real_time"] < best["real_time"]:
-            runs[entry["run_name"]] = entry
+        runs.setdefault(entry["run_name"], []).append(entry)
     return report["context"], runs
 
 
 def find(runs, prefix):
-    for name, entry in runs.items():
+    for name, entries in runs.items():
         if name == prefix or name.startswith(prefix + "/"):
-            return entry
+            return entries
     fail(f"no benchmark named {prefix}...")
+
+
+def best(entries, field):
+    # Interference only ever slows a run down, so the best repetition is the one to compare.
+    pick = min if field == "real_time" else max
+    return pick(entry[field] for entry in entries)
+
+
+def median(values):
+    values = sorted(values)
+    middle = len(values) // 2
+    return values[middle] if len(values) % 2 else (values[middle - 1] + values[middle]) / 2
 
 
 def measure(build):
     # Parsing in a process of its own, so the heap the rendering benchmarks leave behind does not
     # change what it costs.
     context, runs = google_benchmarks(build, "BM_(ParseSprite|ExpatScanSprite)", 7)
-    runs.update(google_benchmarks(build, "BM_RenderAll", 3)[1])
+    runs.update(google_benchmarks(build, "BM_RenderAll", 5)[1])
     ratios = {}
     for index, (key, _) in enumerate(SETS.items()):
-        parse = find(runs, f"BM_ParseSprite/{index}")
-        expat = find(runs, f"BM_ExpatScanSprite/{index}")
-        ratios[f"parse_vs_expat/{key}"] = parse["bytes_per_second"] / expat["bytes_per_second"]
-    one = find(runs, "BM_RenderAll/0/1/0")["real_time"]
-    all_cores = find(runs, "BM_RenderAll/0/0/0")["real_time"]
-    with_png = find(runs, "BM_RenderAll/0/1/1")["real_time"]
+        parse = best(find(runs, f"BM_ParseSprite/{index}"), "bytes_per_second")
+        expat = best(find(runs, f"BM_ExpatScanSprite/{index}"), "bytes_per_second")
+        ratios[f"parse_vs_expat/{key}"] = parse / expat
+    one = best(find(runs, "BM_RenderAll/0/1/0"), "real_time")
+    all_cores = best(find(runs, "BM_RenderAll/0/0/0"), "real_time")
     ratios["thread_speedup"] = one / all_cores
-    ratios["png_over_render"] = (with_png - one) / one
+    # Rendering and encoding are timed apart inside each run; the median over the runs.
+    ratios["png_over_render"] = median(
+        entry["png_over_render"] for entry in find(runs, "BM_RenderAll/0/1/1"))
 
     files = [os.path.join(ROOT, "bench", "data", name) for name in SETS.values()]
     memory = os.path.join(build, "bench", "tessaline_sprite_memory")

@@ -3,7 +3,12 @@
 // encoded as PNG (in memory, so the disk does not take part).
 //
 // Arguments: sprite index, thread count (0: one per core), 1 to encode PNG.
+//
+// With PNG, each icon's rendering and its encoding are also timed apart, so that the share of PNG
+// writing (counter png_over_render) comes from one and the same run. Taken as the difference of
+// two runs, it moved by half on a shared machine whose speed changed between them.
 #include <atomic>
+#include <chrono>
 #include <thread>
 #include <vector>
 
@@ -13,15 +18,34 @@
 namespace tessaline::bench {
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
+// Time spent rendering and encoding, summed over every icon and thread of the runs so far.
+struct SplitTimes {
+  std::atomic<Clock::rep> render{0};
+  std::atomic<Clock::rep> png{0};
+};
+
 void renderAll(const SVGFile& file, const std::vector<std::string>& keys, unsigned threads,
-               bool encode) {
+               bool encode, SplitTimes& split) {
   std::atomic<std::size_t> next{0};
   auto work = [&] {
+    Clock::duration render{}, png{};
     for (std::size_t i = next++; i < keys.size(); i = next++) {
+      if (!encode) {
+        benchmark::DoNotOptimize(file.getUIImageForKey(keys[i]).bitmap());
+        continue;
+      }
+      const Clock::time_point start = Clock::now();
       const TessalineResponse response = file.getUIImageForKey(keys[i]);
-      if (encode && response.bitmap()) benchmark::DoNotOptimize(response.bitmap()->encodePng());
-      benchmark::DoNotOptimize(response.bitmap());
+      const Clock::time_point rendered = Clock::now();
+      if (response.bitmap()) benchmark::DoNotOptimize(response.bitmap()->encodePng());
+      const Clock::time_point encoded = Clock::now();
+      render += rendered - start;
+      png += encoded - rendered;
     }
+    split.render += render.count();
+    split.png += png.count();
   };
   if (threads <= 1) {
     work();
@@ -40,10 +64,15 @@ void BM_RenderAll(benchmark::State& state) {
   unsigned threads = static_cast<unsigned>(state.range(1));
   if (threads == 0) threads = std::max(1u, std::thread::hardware_concurrency());
   const bool encode = state.range(2) != 0;
-  for (auto _ : state) renderAll(file, keys, threads, encode);
+  SplitTimes split;
+  for (auto _ : state) renderAll(file, keys, threads, encode, split);
   state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * keys.size()));
   state.counters["threads"] = threads;
   state.counters["png"] = encode ? 1 : 0;
+  if (encode && split.render > 0) {
+    state.counters["png_over_render"] =
+        static_cast<double>(split.png) / static_cast<double>(split.render);
+  }
 }
 // One set for the thread and PNG comparisons keeps the run short; bootstrap-icons has the most
 // symbols of the three and both filled and stroked shapes.
