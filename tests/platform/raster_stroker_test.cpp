@@ -106,6 +106,40 @@ TEST(RasterStroker, CurvesAreJoinedRoundWithinThemselves) {
   }
 }
 
+// A round join is the arc around its vertex cut into chords that stray from it by at most the
+// flattening tolerance. Turns are taken on both sides of the largest one a single chord may span,
+// where the join decides without the turn's angle whether the arc needs inner points.
+TEST(RasterStroker, RoundJoinsStayWithinTheToleranceOfTheirArc) {
+  const Point corner{64, 64};
+  for (const double width : {0.3, 2.0, 10.0, 60.0}) {
+    const double hw = width / 2;
+    const double oneChord = 2 * std::acos(1 - kFlatteningTolerance / hw);
+    for (const double factor : {0.5, 0.999, 1.0, 1.001, 1.5, 2.999, 3.001, 20.0}) {
+      const double turn = std::min(factor * oneChord, 3.0);
+      SCOPED_TRACE(::testing::Message() << "width " << width << ", turn " << turn);
+      const Point out{corner.x + 30 * std::cos(turn), corner.y + 30 * std::sin(turn)};
+      FlatPath outline;
+      Stroker().stroke(polyline<FlatPath>({{corner.x - 30, corner.y}, corner, out}),
+                       {width, 4, kButt, LineJoin::Round}, outline);
+      // Neighbours both on the join's circle are a chord of it; the middle of the chord is where
+      // it strays farthest.
+      const std::vector<Point>& points = outline.points();
+      int chords = 0;
+      for (std::size_t i = 1; i < points.size(); ++i) {
+        const Point a = points[i - 1], b = points[i];
+        const auto onCircle = [&](Point p) {
+          return std::abs(std::hypot(p.x - corner.x, p.y - corner.y) - hw) < 1e-9;
+        };
+        if (!onCircle(a) || !onCircle(b)) continue;
+        ++chords;
+        const Point middle{(a.x + b.x) / 2 - corner.x, (a.y + b.y) / 2 - corner.y};
+        EXPECT_LE(hw - std::hypot(middle.x, middle.y), kFlatteningTolerance + 1e-12);
+      }
+      EXPECT_GE(chords, 1);
+    }
+  }
+}
+
 // Random zigzags, open and closed, with short segments, sharp turns and wide strokes. A stroke
 // covers at least every segment's rectangle (the inner sides of turns must not open gaps) and,
 // with round joins and caps, exactly the points within half the width of the polyline.

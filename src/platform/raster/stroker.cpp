@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 #include "platform/raster/curve_flattener.h"
@@ -12,6 +13,15 @@ namespace {
 // Points closer than this are one point: a direction measured over a shorter distance would be
 // mostly rounding noise.
 constexpr double kSamePointDistance = 1e-6;
+
+// Whether two points lie within kSamePointDistance of each other. Consecutive points of a path
+// are almost always farther apart along an axis than that, which settles it without the
+// distance itself (never less than either coordinate's difference).
+bool samePoint(Point a, Point b) {
+  const double dx = a.x - b.x, dy = a.y - b.y;
+  if (std::abs(dx) > kSamePointDistance || std::abs(dy) > kSamePointDistance) return false;
+  return std::hypot(dx, dy) <= kSamePointDistance;
+}
 
 // Directions whose sines differ by less than this lie on one line, to well below a pixel over
 // any length on the canvas.
@@ -48,6 +58,10 @@ void Stroker::stroke(const FlatPath& path, const StrokeStyle& style, FlatPath& o
   arcStep_ = halfWidth_ > kFlatteningTolerance
                  ? std::max(minStep, 2 * std::acos(1 - kFlatteningTolerance / halfWidth_))
                  : std::numbers::pi / 2;
+  // Shy of the exact bound by far more than the rounding of tan and atan2, so a turn it admits
+  // is one that addArc would give no inner point.
+  oneChordTangent_ = arcStep_ < std::numbers::pi / 2 ? std::tan(arcStep_) * (1 - 1e-9)
+                                                     : std::numeric_limits<double>::infinity();
   for (const FlatContour& contour : path.contours()) strokeContour(path, contour, out);
 }
 
@@ -57,17 +71,14 @@ void Stroker::strokeContour(const FlatPath& path, const FlatContour& contour, Fl
   for (std::uint32_t i = contour.begin; i < contour.end; ++i) {
     const Point p = path.points()[i];
     const bool smooth = path.smooth()[i] != 0;
-    if (!vertices_.empty() &&
-        std::hypot(p.x - vertices_.back().x, p.y - vertices_.back().y) <= kSamePointDistance) {
+    if (!vertices_.empty() && samePoint(p, vertices_.back())) {
       smooth_.back() = smooth_.back() && smooth;
       continue;
     }
     vertices_.push_back(p);
     smooth_.push_back(smooth);
   }
-  if (contour.closed && vertices_.size() > 1 &&
-      std::hypot(vertices_.back().x - vertices_.front().x,
-                 vertices_.back().y - vertices_.front().y) <= kSamePointDistance) {
+  if (contour.closed && vertices_.size() > 1 && samePoint(vertices_.back(), vertices_.front())) {
     vertices_.pop_back();
     smooth_.pop_back();
   }
@@ -221,7 +232,12 @@ void Stroker::addJoin(Point p, Point d1, Point d2, double length1, double length
   out.lineTo(add(p, n1));
   // The arc turns with the path, clockwise here; for an exact U-turn the cross product is a
   // zero of either sign, and the arc must still go round the front of the corner.
-  if (join == LineJoin::Round) addArc(p, n1, -std::atan2(std::abs(cross), dot), out);
+  // Along a flattened curve most turns are smaller than one chord of the arc, which then has no
+  // inner point; the tangent of the turn tells so without its angle.
+  const bool oneChord = dot > 0 && std::abs(cross) <= dot * oneChordTangent_;
+  if (join == LineJoin::Round && !oneChord) {
+    addArc(p, n1, -std::atan2(std::abs(cross), dot), out);
+  }
   out.lineTo(add(p, n2));
 }
 

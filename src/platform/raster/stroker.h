@@ -56,7 +56,8 @@ class Stroker {
   double miterLimit_ = 4;
   LineCap cap_ = LineCap::Butt;
   LineJoin join_ = LineJoin::Miter;
-  double arcStep_ = 0;  // largest angle one chord of a round join or cap may span
+  double arcStep_ = 0;          // largest angle one chord of a round join or cap may span
+  double oneChordTangent_ = 0;  // a turn whose tangent is at most this needs no more than one chord
 
   // The current subpath without repeated points, and its segments' unit directions and lengths
   // (segment i runs from vertex i to vertex i + 1, wrapping round for closed subpaths).
