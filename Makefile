@@ -74,10 +74,14 @@ bench-build: bootstrap
 	  -DTESSALINE_BUILD_TESTS=OFF >/dev/null
 	@cmake --build $(BENCH_BUILD) --target tessaline_benchmarks -j $(JOBS)
 
+# The repetitions run interleaved in a random order, so that a slow phase of a shared machine
+# falls on every benchmark alike; the rows are sorted by name again for reading.
 bench: bench-build
-	@$(BENCH_BUILD)/bench/tessaline_bench --benchmark_counters_tabular=true \
-	  --benchmark_repetitions=$(BENCH_REPETITIONS) --benchmark_display_aggregates_only=true \
-	  --benchmark_enable_random_interleaving=true
+	@$(BENCH_BUILD)/bench/tessaline_bench --benchmark_repetitions=$(BENCH_REPETITIONS) \
+	  --benchmark_display_aggregates_only=true --benchmark_enable_random_interleaving=true \
+	  > $(BENCH_BUILD)/bench-table.txt
+	@awk '/^(BM_|render)/ { print | "LC_ALL=C sort -s -k1,1"; next } !seen[$$0]++' \
+	  $(BENCH_BUILD)/bench-table.txt
 	@if [ ! -x $(BENCH_BUILD)/bench/compare/tessaline_rsvg_compare ]; then \
 	  echo "bench: librsvg2-dev not installed, no side-by-side comparison"; \
 	elif [ ! -s bench/data/bootstrap-icons.svg ]; then \
