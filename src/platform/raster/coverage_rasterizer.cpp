@@ -70,26 +70,36 @@ void CoverageRasterizer::addPath(const FlatPath& path) {
   }
   for (const FlatContour& contour : path.contours()) {
     if (contour.end - contour.begin < 2) continue;
+    const BoxedPoint first = boxed(points[contour.begin]);
+    BoxedPoint previous = first;
     for (std::uint32_t i = contour.begin + 1; i < contour.end; ++i) {
-      addEdge(points[i - 1], points[i]);
+      const BoxedPoint current = boxed(points[i]);
+      addBoxedEdge(previous, current);
+      previous = current;
     }
-    addEdge(points[contour.end - 1], points[contour.begin]);
+    addBoxedEdge(previous, first);
   }
+}
+
+CoverageRasterizer::BoxedPoint CoverageRasterizer::boxed(Point p) const {
+  // NaN fails every comparison and counts as outside.
+  const bool inside = p.x >= box_.x0 && p.x <= box_.x1 && p.y >= box_.y0 && p.y <= box_.y1;
+  if (!inside) return {p, 0, 0, false, false};
+  return {p, toFixed(p.x), toFixed(p.y), true, p.x < box_.x1};
+}
+
+void CoverageRasterizer::addBoxedEdge(const BoxedPoint& a, const BoxedPoint& b) {
+  // Most edges lie wholly inside the box and need none of the clipping (which would leave them as
+  // they are); an edge along the box's right side covers nothing inside it.
+  if (a.inside && b.inside && (a.leftOfRight || b.leftOfRight)) {
+    addFixedEdge(a.x, a.y, b.x, b.y);
+    return;
+  }
+  addClippedLine(a.point, b.point);
 }
 
 void CoverageRasterizer::addLine(Point a, Point b) {
-  addEdge(a, b);
-}
-
-void CoverageRasterizer::addEdge(Point a, Point b) {
-  // Most edges lie wholly inside the box and need none of the clipping (which would leave them as
-  // they are). NaN fails every comparison and takes the long way.
-  if (a.x >= box_.x0 && a.x <= box_.x1 && b.x >= box_.x0 && b.x <= box_.x1 && a.y >= box_.y0 &&
-      a.y <= box_.y1 && b.y >= box_.y0 && b.y <= box_.y1 && (a.x < box_.x1 || b.x < box_.x1)) {
-    if (a.y != b.y) addFixedEdge(toFixed(a.x), toFixed(a.y), toFixed(b.x), toFixed(b.y));
-    return;
-  }
-  addClippedLine(a, b);
+  addBoxedEdge(boxed(a), boxed(b));
 }
 
 void CoverageRasterizer::addClippedLine(Point a, Point b) {

@@ -130,9 +130,19 @@ class CoverageRasterizer {
     double dxdy;  // (xBottom - xTop) / (yBottom - yTop)
   };
 
-  // addLine, kept inline for addPath's loop: the test for an edge inside the box and the storing
-  // of such an edge, with the clipping of the others out of line.
-  [[gnu::always_inline]] inline void addEdge(Point a, Point b);
+  // A point as an edge needs it: whether it lies in the box, and if so its fixed-point coordinates
+  // and whether it lies left of the box's right side. addPath works each point out once, not once
+  // per edge it ends.
+  struct BoxedPoint {
+    Point point;
+    int x, y;
+    bool inside;
+    bool leftOfRight;
+  };
+  [[gnu::always_inline]] inline BoxedPoint boxed(Point p) const;
+  // The edge from a to b: stored at once when it lies wholly inside the box, clipped out of line
+  // otherwise.
+  [[gnu::always_inline]] inline void addBoxedEdge(const BoxedPoint& a, const BoxedPoint& b);
   void addClippedLine(Point a, Point b);
   [[gnu::always_inline]] inline void addFixedEdge(int x0, int y0, int x1, int y1);
   void addVertical(int x, double y0, double y1);
