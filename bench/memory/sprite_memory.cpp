@@ -2,67 +2,93 @@
 //
 //   tessaline_sprite_memory SPRITE.svg...
 //
-// prints, per file, the document size, the peak of heap bytes allocated through operator new
-// while SVGFile parses it and what stays allocated once it is parsed. The document text is read
-// before measuring and not counted; expat's own buffers (plain malloc, freed by the end of the
-// parse) are not seen here either. The counting operator new lives only in this
-// program, so the benchmarks' timings are not disturbed by it.
+// prints, per file, the document size, the peak of heap bytes held while SVGFile parses it and
+// what stays held once it is parsed. Counting is done at the C allocator, which this program
+// replaces with a counting front to the C library's own, so everything the parse allocates is
+// seen: the library's objects (operator new allocates through malloc) and expat's buffers alike.
+// A block counts as the bytes the allocator reserves for it (malloc_usable_size), not the bytes
+// requested. The document text is read before measuring and not counted. The counting lives only
+// in this program, so the benchmarks' timings are not disturbed by it.
+#include <malloc.h>
+
 #include <atomic>
+#include <cerrno>
 #include <cstddef>
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
-#include <new>
 #include <sstream>
 #include <string>
 
 #include "tessaline/tessaline.h"
+
+// The C library's allocator under its own names, which it exports so that a program may put
+// itself in front of it.
+extern "C" {
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* block, std::size_t size);
+void* __libc_memalign(std::size_t alignment, std::size_t size);
+void __libc_free(void* block);
+}
 
 namespace {
 
 std::atomic<std::size_t> liveBytes{0};
 std::atomic<std::size_t> peakBytes{0};
 
-// Each block carries its size in front, so delete can subtract it.
-constexpr std::size_t kHeader = alignof(std::max_align_t);
-
-void* allocate(std::size_t size) {
-  auto* block = static_cast<unsigned char*>(std::malloc(size + kHeader));
-  if (block == nullptr) throw std::bad_alloc();
-  *reinterpret_cast<std::size_t*>(block) = size;
-  const std::size_t now = liveBytes += size;
+void* counted(void* block) {
+  if (block == nullptr) return nullptr;
+  const std::size_t now = liveBytes += malloc_usable_size(block);
   std::size_t peak = peakBytes.load();
   while (now > peak && !peakBytes.compare_exchange_weak(peak, now)) {
   }
-  return block + kHeader;
+  return block;
 }
 
-void release(void* pointer) {
-  if (pointer == nullptr) return;
-  auto* block = static_cast<unsigned char*>(pointer) - kHeader;
-  liveBytes -= *reinterpret_cast<std::size_t*>(block);
-  std::free(block);
+std::size_t heldBy(void* block) {
+  return block == nullptr ? 0 : malloc_usable_size(block);
 }
 
 }  // namespace
 
-void* operator new(std::size_t size) {
-  return allocate(size);
+// Every entry point that hands out or takes back a block, so that none is freed uncounted.
+extern "C" {
+void* malloc(std::size_t size) {
+  return counted(__libc_malloc(size));
 }
-void* operator new[](std::size_t size) {
-  return allocate(size);
+void* calloc(std::size_t count, std::size_t size) {
+  return counted(__libc_calloc(count, size));
 }
-void operator delete(void* pointer) noexcept {
-  release(pointer);
+void* realloc(void* block, std::size_t size) {
+  const std::size_t before = heldBy(block);
+  void* moved = __libc_realloc(block, size);
+  // A failed resize leaves the block as it was; a resize to nothing frees it.
+  if (moved == nullptr && size != 0) return nullptr;
+  liveBytes -= before;
+  return counted(moved);
 }
-void operator delete[](void* pointer) noexcept {
-  release(pointer);
+void free(void* block) {
+  liveBytes -= heldBy(block);
+  __libc_free(block);
 }
-void operator delete(void* pointer, std::size_t) noexcept {
-  release(pointer);
+void* memalign(std::size_t alignment, std::size_t size) {
+  return counted(__libc_memalign(alignment, size));
 }
-void operator delete[](void* pointer, std::size_t) noexcept {
-  release(pointer);
+void* aligned_alloc(std::size_t alignment, std::size_t size) {
+  return memalign(alignment, size);
+}
+int posix_memalign(void** out, std::size_t alignment, std::size_t size) {
+  void* block = memalign(alignment, size);
+  if (block == nullptr) return ENOMEM;
+  *out = block;
+  return 0;
+}
+void* valloc(std::size_t size) {
+  return memalign(4096, size);
+}
+void* pvalloc(std::size_t size) {
+  return memalign(4096, (size + 4095) / 4096 * 4096);
+}
 }
 
 int main(int argc, char** argv) {
