@@ -78,6 +78,9 @@ void* aligned_alloc(std::size_t alignment, std::size_t size) {
   return memalign(alignment, size);
 }
 int posix_memalign(void** out, std::size_t alignment, std::size_t size) {
+  // memalign rounds a bad alignment up; posix_memalign must refuse it instead.
+  const bool powerOfTwo = alignment != 0 && (alignment & (alignment - 1)) == 0;
+  if (!powerOfTwo || alignment % sizeof(void*) != 0) return EINVAL;
   void* block = memalign(alignment, size);
   if (block == nullptr) return ENOMEM;
   *out = block;
