@@ -41,7 +41,6 @@ TEST(PathComponent, ParsesItsDataAndMapsTheFillRule) {
 // circle's or ellipse's cy absent; a rect's size and a polygon's points are checked here too, and
 // the polygon has its own spelling, with a lower-case p.
 TEST(BasicShapes, OutlinesAreThoseOfThePlatformShapesAndMissingValuesGiveAMessage) {
-  const std::optional<float> none;
   PolygonComponent polygon("t", "5 5", kNoAttributes);
   polygon.points.clear();
   Path line;
@@ -56,11 +55,11 @@ TEST(BasicShapes, OutlinesAreThoseOfThePlatformShapesAndMissingValuesGiveAMessag
       {EllipseComponent("e", kNoAttributes, 10, 20, 4, 2).getDrawPath(),
        makeOvalPath({6, 18, 8, 4}), std::nullopt},
       {LineComponent("l", kNoAttributes, 1, 2, 3, 4).getDrawPath(), line, std::nullopt},
-      {RectComponent("r", kNoAttributes, 0, 0, 10, none, 0, 0).getDrawPath(), std::nullopt,
+      {RectComponent("r", kNoAttributes, 0, 0, 10, std::nullopt, 0, 0).getDrawPath(), std::nullopt,
        "Missing Properties"},
-      {CircleComponent("c", kNoAttributes, 1, none, 3).getDrawPath(), std::nullopt,
+      {CircleComponent("c", kNoAttributes, 1, std::nullopt, 3).getDrawPath(), std::nullopt,
        "Missing Properties"},
-      {EllipseComponent("e", kNoAttributes, 1, none, 3, 4).getDrawPath(), std::nullopt,
+      {EllipseComponent("e", kNoAttributes, 1, std::nullopt, 3, 4).getDrawPath(), std::nullopt,
        "Missing Properties"},
       {polygon.getDrawPath(), std::nullopt, "Missing properties"},
   };
@@ -90,8 +89,6 @@ TEST(PolygonComponent, ReadsEachComponentLeniently) {
   EXPECT_FALSE(result.message || result.fillRule);
   EXPECT_EQ(PolygonComponent(std::nullopt, "5 5", kNoAttributes).id, "");
 }
-
-using PolygonComponentDeathTest = ::testing::Test;
 
 TEST(PolygonComponentDeathTest, AnOddNumberOfComponentsStops) {
   for (const char* text : {"0 0 10", "", "1,2,3", "1 2 ", "1 \u03012"}) {

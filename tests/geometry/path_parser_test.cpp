@@ -121,8 +121,6 @@ TEST(PathParser, PassesArcsWithTheCurrentPointAndAbsoluteEnd) {
   }
 }
 
-using PathParserDeathTest = ::testing::Test;
-
 TEST(PathParserDeathTest, TrailingSpacesAfterTheLastCommandReadPastTheEnd) {
   // Spaces after the last parameter make the letter lookahead read one past the end of the text.
   for (const char* d : {"M0 0 L1 1 ", "M0 0 Z "}) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <utility>
 
 namespace tessaline {
 namespace {
@@ -16,31 +17,20 @@ namespace {
 // it for the length, but the scanner reads code points and stops at the mark. A Hangul syllable
 // spelled in jamo is one character; a soft hyphen is a control that nothing joins.
 TEST(ColorFromHexString, FollowsThePlatformScanner) {
-  struct Case {
-    const char* text;
-    std::uint32_t rgba;  // 0xRRGGBBAA, each byte divided by 255
+  // Expected colours as 0xRRGGBBAA, each byte divided by 255.
+  const auto colour = [](std::uint32_t v) {
+    return Color{(v >> 24) / 255.0, ((v >> 16) & 0xFF) / 255.0, ((v >> 8) & 0xFF) / 255.0,
+                 (v & 0xFF) / 255.0};
   };
-  const Case cases[] = {{"#FF8000", 0xFF8000FF},
-                        {"ff8000", 0xFF8000FF},
-                        {"#11223344", 0x11223344},
-                        {"aAbBcCdD", 0xAABBCCDD},
-                        {"#12zzzz", 0x12},
-                        {"#123456zz", 0x123456},
-                        {"0x123456", 0x123456},
-                        {"#0X1234", 0x1234FF},
-                        {"#0xzzzz", 0},
-                        {" 1234567", 0x1234567},
-                        {"#\t\n1234", 0x1234FF},
-                        {"#\u00A012345", 0x12345FF},
-                        {"#12 345", 0x12},
-                        {"#12345é", 0x12345},
-                        {"#ff0000\u0301", 0xFF0000},
-                        {"#12345\u1100\u1161", 0x12345}};
-  for (const auto& [text, v] : cases) {
-    EXPECT_EQ(Color::fromHexString(text), (Color{(v >> 24) / 255.0, ((v >> 16) & 0xFF) / 255.0,
-                                                 ((v >> 8) & 0xFF) / 255.0, (v & 0xFF) / 255.0}))
-        << text;
-  }
+  const std::pair<const char*, std::uint32_t> cases[] = {
+      {"#FF8000", 0xFF8000FF},  {"ff8000", 0xFF8000FF},  {"#11223344", 0x11223344},
+      {"aAbBcCdD", 0xAABBCCDD}, {"#12zzzz", 0x12},       {"#123456zz", 0x123456},
+      {"0x123456", 0x123456},   {"#0X1234", 0x1234FF},   {"#0xzzzz", 0},
+      {" 1234567", 0x1234567},  {"#\t\n1234", 0x1234FF}, {"#\u00A012345", 0x12345FF},
+      {"#12 345", 0x12},        {"#12345é", 0x12345},    {"#ff0000\u0301", 0xFF0000},
+  };
+  for (const auto& [text, v] : cases) EXPECT_EQ(Color::fromHexString(text), colour(v)) << text;
+  EXPECT_EQ(Color::fromHexString("#12345\u1100\u1161"), colour(0x12345));
   for (const char* text : {"", "#fff", "#fffff", "#fffffff", "#fffffffff", "##ffffff", "#gg0000",
                            "-1234567", "#        ", "0x", "123456é", "12345\u00AD\u0301"}) {
     EXPECT_EQ(Color::fromHexString(text), std::nullopt) << text;

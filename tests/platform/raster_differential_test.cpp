@@ -112,16 +112,11 @@ struct Generator {
   // Shapes whose outlines never cross or touch themselves; the last an oval with a circle inside
   // wound the other way, a ring under either rule.
   Path simpleShape() {
-    switch (below(5)) {
-      case 0:
-        return polyline(starShaped(3 + below(8)), true);
-      case 1:
-        return blob();
-      case 2:
-        return makeOvalPath(box(4));
-      case 3:
-        return makeRoundedRectPath(box(4), uniform(0, 12));
-    }
+    const int kind = below(5);
+    if (kind == 0) return polyline(starShaped(3 + below(8)), true);
+    if (kind == 1) return blob();
+    if (kind == 2) return makeOvalPath(box(4));
+    if (kind == 3) return makeRoundedRectPath(box(4), uniform(0, 12));
     const Rect outer = box(40);
     Path path = makeOvalPath(outer);
     const Point c{outer.x + outer.width / 2, outer.y + outer.height / 2};

@@ -34,6 +34,21 @@ Path rectPath(double x, double y, double w, double h) {
   return makeRoundedRectPath({x, y, w, h}, 0);
 }
 
+// `bytes`, straight RGBA, must be `pixels` as unpremultiply gives them inside `box` (x0, y0, x1,
+// y1) and unchanged outside it.
+void expectConverted(const std::uint8_t* bytes, const std::vector<PremultipliedPixel>& pixels,
+                     int width, std::array<int, 4> box) {
+  const auto [x0, y0, x1, y1] = box;
+  for (std::size_t i = 0; i < pixels.size(); ++i) {
+    const int x = static_cast<int>(i) % width, y = static_cast<int>(i) / width;
+    std::uint8_t expected[4];
+    std::memcpy(expected, &pixels[i], 4);
+    if (x >= x0 && x < x1 && y >= y0 && y < y1) unpremultiply(pixels[i], expected);
+    ASSERT_EQ(std::memcmp(bytes + 4 * i, expected, 4), 0)
+        << "pixel " << x << "," << y << " was " << std::hex << pixels[i];
+  }
+}
+
 TEST(RasterPixelOps, RoundingIsExact) {
   for (std::uint32_t a = 0; a < 256; ++a) {
     for (std::uint32_t b = 0; b < 256; ++b) {
@@ -64,20 +79,12 @@ TEST(RasterPixelOps, RoundingIsExact) {
 // pixel in the box must still come out exactly as unpremultiply gives it, whatever mix a block
 // holds and wherever the box starts and ends, and every pixel outside stay untouched.
 TEST(RasterPixelOps, InPlaceConversionMatchesPixelByPixel) {
-  const auto expectConverted = [](const std::vector<PremultipliedPixel>& pixels, int width,
-                                  std::array<int, 4> box) {
-    const auto [x0, y0, x1, y1] = box;
+  const auto convertInPlace = [](const std::vector<PremultipliedPixel>& pixels, int width,
+                                 std::array<int, 4> box) {
     std::vector<std::uint8_t> canvas(pixels.size() * 4);
     std::memcpy(canvas.data(), pixels.data(), canvas.size());
-    unpremultiplyInPlace(canvas.data(), width, x0, y0, x1, y1);
-    for (std::size_t i = 0; i < pixels.size(); ++i) {
-      const int x = static_cast<int>(i) % width, y = static_cast<int>(i) / width;
-      std::uint8_t expected[4];
-      std::memcpy(expected, &pixels[i], 4);
-      if (x >= x0 && x < x1 && y >= y0 && y < y1) unpremultiply(pixels[i], expected);
-      ASSERT_EQ(std::memcmp(canvas.data() + 4 * i, expected, 4), 0)
-          << "pixel " << x << "," << y << " was " << std::hex << pixels[i];
-    }
+    unpremultiplyInPlace(canvas.data(), width, box[0], box[1], box[2], box[3]);
+    expectConverted(canvas.data(), pixels, width, box);
   };
   constexpr int kWidth = 150, kHeight = 9;  // whole blocks of 64 and of 4, and single pixels
   std::mt19937 engine(7);
@@ -94,7 +101,7 @@ TEST(RasterPixelOps, InPlaceConversionMatchesPixelByPixel) {
     pixels[i] = alpha << 24 | channel() << 16 | channel() << 8 | channel();
   }
   for (const auto& box : {std::array{0, 0, kWidth, kHeight}, {3, 1, 140, 8}, {5, 2, 6, 3}}) {
-    expectConverted(pixels, kWidth, box);
+    convertInPlace(pixels, kWidth, box);
   }
   // Every alpha with every channel value, valid premultiplied or not (then clamped), through the
   // block paths. Only alpha 0 keeps to what a canvas holds, all channels 0.
@@ -104,7 +111,7 @@ TEST(RasterPixelOps, InPlaceConversionMatchesPixelByPixel) {
       pixels[a * 256 + c] = a << 24 | c << 16 | (255 - c) << 8 | (c * 7 % 256);
     }
   }
-  expectConverted(pixels, 256, {0, 0, 256, 256});
+  convertInPlace(pixels, 256, {0, 0, 256, 256});
 }
 
 // Cell values as the rasterizer produces them, plus the extremes a huge winding number or
@@ -112,6 +119,10 @@ TEST(RasterPixelOps, InPlaceConversionMatchesPixelByPixel) {
 // these, and must do so lane by lane, under both rules.
 TEST(RasterVectorPaths, GroupSumsMatchCellByCellUnderBothRules) {
   using Sum = std::uint32_t (*)(std::uint32_t*, std::uint32_t, std::uint8_t*);
+  // The vector sum and the cell-by-cell one, under the non-zero rule and then the even-odd one.
+  constexpr Sum sums[2][2] = {
+      {CoverageRasterizer::sumGroup<false>, CoverageRasterizer::sumGroupByCell<false>},
+      {CoverageRasterizer::sumGroup<true>, CoverageRasterizer::sumGroupByCell<true>}};
   using Cells = std::array<std::uint32_t, CoverageRasterizer::kGroup>;
   constexpr std::uint32_t full = CoverageRasterizer::kFullArea;
   std::mt19937 random(11);
@@ -122,11 +133,7 @@ TEST(RasterVectorPaths, GroupSumsMatchCellByCellUnderBothRules) {
     return choices[pick];
   };
   for (int trial = 0; trial < 400000; ++trial) {
-    const bool evenOdd = trial % 2;
-    const Sum sum =
-        evenOdd ? CoverageRasterizer::sumGroup<true> : CoverageRasterizer::sumGroup<false>;
-    const Sum byCell = evenOdd ? CoverageRasterizer::sumGroupByCell<true>
-                               : CoverageRasterizer::sumGroupByCell<false>;
+    const auto [sum, byCell] = sums[trial % 2];
     Cells cells;
     for (std::uint32_t& c : cells) c = cell();
     Cells reference = cells;
@@ -193,7 +200,9 @@ TEST(RasterVectorPaths, SolidAndVaryingRunsMatchPixelByPixelSourceOver) {
 
 // The native canvas converts to straight alpha only where a painter marked that a pixel may be
 // translucent and coloured; black paints mark nothing. Whatever order black and coloured paints,
-// opaque and translucent, overlap in, every pixel must still come out exactly converted.
+// opaque and translucent, overlap in, every pixel must still come out exactly converted. Handing
+// the canvas over converts it where it lies: the same pixels as image(), and once taken the
+// context hands out and draws nothing more.
 TEST(RasterTranslucency, BlackAndColouredPaintsInAnyOrderComeOutStraight) {
   constexpr int kSide = 24;
   const Color inks[] = {
@@ -217,27 +226,14 @@ TEST(RasterTranslucency, BlackAndColouredPaintsInAnyOrderComeOutStraight) {
         if (c != 0) model[at] = sourceOver(scalePixel(premultiply(ink), c), model[at]);
       }
     }
-    const Image image = context.takeImage();
-    for (int at = 0; at < kSide * kSide; ++at) {
-      std::uint8_t expected[4];
-      unpremultiply(model[at], expected);
-      ASSERT_EQ(std::memcmp(image.bytes().data() + 4 * at, expected, 4), 0)
-          << "pixel (" << at % kSide << ", " << at / kSide << ")";
-    }
+    const Image copy = context.image();
+    ASSERT_EQ(context.image(), copy) << "image() must leave the canvas as it was";
+    const Image taken = context.takeImage();
+    EXPECT_EQ(taken, copy);
+    expectConverted(taken.bytes().data(), model, kSide, {0, 0, kSide, kSide});
+    context.fill(rectPath(0, 0, kSide, kSide), FillRule::Winding, kRed);
+    EXPECT_EQ(context.takeImage(), Image(kSide, kSide));
   }
-}
-
-// Handing the canvas over converts it where it lies: the same pixels as image(), and once taken
-// the context hands out and draws nothing more.
-TEST(NativeRasterContext, TakenImageIsTheImageAndEndsDrawing) {
-  NativeRasterContext context(kSize, kSize);
-  context.fill(rectPath(3.5, 3.25, 40, 30), FillRule::Winding, kRed.withAlpha(0.6));
-  context.fill(rectPath(20, 10.5, 30, 40), FillRule::Winding, kBlue);
-  const Image copy = context.image();
-  EXPECT_EQ(context.image(), copy) << "image() must leave the canvas as it was";
-  EXPECT_EQ(context.takeImage(), copy);
-  context.fill(rectPath(0, 0, kSize, kSize), FillRule::Winding, kRed);
-  EXPECT_EQ(context.takeImage(), Image(kSize, kSize));
 }
 
 // Clips' coverages multiply: on the circle's left edge, where pixel 8 is also half covered by

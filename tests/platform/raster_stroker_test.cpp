@@ -63,19 +63,18 @@ TEST(RasterStroker, CapsJoinsAndClosedSubpaths) {
 TEST(RasterStroker, ExactUTurnsGoRoundTheFront) {
   // Exactly opposite directions give a cross product of +0 or -0; either way the round join
   // must bulge forward, like a round cap, and leave no hole.
-  for (const bool closed : {false, true}) {
-    for (const Point tip : {Point{50, 20}, Point{10, 20}}) {
-      const Point other{60 - tip.x, 20};
-      SCOPED_TRACE(::testing::Message() << (closed ? "closed" : "open") << " tip " << tip.x);
-      const CoverageGrid grid =
-          stroked(polyline({other, tip, other}, closed), {10, 4, LineCap::Round, LineJoin::Round});
-      // Open, the path runs over its own stroke twice and its edge pixels count twice.
-      const double edgePixels = closed ? 0 : 2 * 40 + 2 * pi * 5;
-      EXPECT_GE(grid.area(), 400 + pi * 25 - 2 * pi * 5 * kFlatteningTolerance);
-      EXPECT_LE(grid.area(), 400 + pi * 25 + edgePixels / 2);
-      EXPECT_EQ(grid.at(tip.x > 30 ? 53 : 6, 20), 255);  // inside the rounded tip
-      for (int x = 6; x < 54; ++x) ASSERT_EQ(grid.at(x, 18), 255) << x;
-    }
+  for (int i = 0; i < 4; ++i) {
+    const bool closed = i >= 2;
+    const double tip = i % 2 ? 10 : 50;
+    SCOPED_TRACE(::testing::Message() << (closed ? "closed" : "open") << " tip " << tip);
+    const CoverageGrid grid = stroked(polyline({{60 - tip, 20}, {tip, 20}, {60 - tip, 20}}, closed),
+                                      {10, 4, kRound, LineJoin::Round});
+    // Open, the path runs over its own stroke twice and its edge pixels count twice.
+    const double edgePixels = closed ? 0 : 2 * 40 + 2 * pi * 5;
+    EXPECT_GE(grid.area(), 400 + pi * 25 - 2 * pi * 5 * kFlatteningTolerance);
+    EXPECT_LE(grid.area(), 400 + pi * 25 + edgePixels / 2);
+    EXPECT_EQ(grid.at(tip > 30 ? 53 : 6, 20), 255);  // inside the rounded tip
+    for (int x = 6; x < 54; ++x) ASSERT_EQ(grid.at(x, 18), 255) << x;
   }
 }
 
@@ -83,12 +82,12 @@ TEST(RasterStroker, CapsOnCurvesFaceAlongTheTangent) {
   // A quarter circle stroked as wide as its diameter, as icons draw rounded corners: its butt
   // caps lie exactly on the lines through the centre, not tilted with the curve's end chords.
   // The zero-length line first is what path builders put before an arc.
-  for (const LineCap cap : {LineCap::Butt, LineCap::Square}) {
+  Path arc = polyline({{44, 64}, {44, 64}});
+  arc.addRelativeArc({64, 64}, 20, pi, pi / 2, AffineTransform::identity());
+  for (const LineCap cap : {kButt, kSquare}) {
     SCOPED_TRACE(static_cast<int>(cap));
-    Path arc = polyline({{44, 64}, {44, 64}});
-    arc.addRelativeArc({64, 64}, 20, pi, pi / 2, AffineTransform::identity());
     const CoverageGrid grid = stroked(arc, {40, 4, cap, LineJoin::Round});
-    const int reach = cap == LineCap::Square ? 20 : 0;  // square caps extend half the width
+    const int reach = cap == kSquare ? 20 : 0;  // square caps extend half the width
     expectEveryPixel(grid,
                      [&](int x, int y) { return y >= 64 + reach || x >= 64 + reach ? 0 : -1; });
     expectProbes(grid, {{30, 63, 255}, {63, 30, 255}});
@@ -123,13 +122,13 @@ TEST(RasterStroker, RoundJoinsStayWithinTheToleranceOfTheirArc) {
                        {width, 4, kButt, LineJoin::Round}, outline);
       // Neighbours both on the join's circle are a chord of it; the middle of the chord is where
       // it strays farthest.
+      const auto onCircle = [&](Point p) {
+        return std::abs(std::hypot(p.x - corner.x, p.y - corner.y) - hw) < 1e-9;
+      };
       const std::vector<Point>& points = outline.points();
       int chords = 0;
       for (std::size_t i = 1; i < points.size(); ++i) {
         const Point a = points[i - 1], b = points[i];
-        const auto onCircle = [&](Point p) {
-          return std::abs(std::hypot(p.x - corner.x, p.y - corner.y) - hw) < 1e-9;
-        };
         if (!onCircle(a) || !onCircle(b)) continue;
         ++chords;
         const Point middle{(a.x + b.x) / 2 - corner.x, (a.y + b.y) / 2 - corner.y};
@@ -158,10 +157,10 @@ TEST(RasterStroker, RandomPolylinesCoverExactlyTheirStrokedArea) {
     const bool closed = n % 3 == 0;
     const double width = uniform(1, 30), hw = width / 2;
     const LineJoin join = static_cast<LineJoin>(n % 3);
-    const LineCap cap = join == LineJoin::Round ? LineCap::Round : LineCap::Butt;
     SCOPED_TRACE(::testing::Message() << "polyline " << n << " width " << width << " join "
                                       << static_cast<int>(join) << (closed ? " closed" : ""));
-    const CoverageGrid grid = stroked(polyline(points, closed), {width, 10, cap, join});
+    const CoverageGrid grid = stroked(polyline(points, closed),
+                                      {width, 10, join == LineJoin::Round ? kRound : kButt, join});
     expectEveryPixel(grid, [&](int x, int y) {
       const Point c{x + 0.5, y + 0.5};
       double distance = 1e9;
@@ -169,12 +168,10 @@ TEST(RasterStroker, RandomPolylinesCoverExactlyTheirStrokedArea) {
       for (int s = 0; s < (closed ? count : count - 1); ++s) {
         const Point a = points[s], b = points[(s + 1) % count];
         distance = std::min(distance, distanceToSegment(c, a, b));
-        const double length = std::hypot(b.x - a.x, b.y - a.y);
-        const double along = ((c.x - a.x) * (b.x - a.x) + (c.y - a.y) * (b.y - a.y)) / length;
-        const double across =
-            std::abs((c.x - a.x) * (b.y - a.y) - (c.y - a.y) * (b.x - a.x)) / length;
-        inRectangle =
-            inRectangle || (along > margin && along < length - margin && across < hw - margin);
+        const double dx = b.x - a.x, dy = b.y - a.y, length = std::hypot(dx, dy);
+        const double along = ((c.x - a.x) * dx + (c.y - a.y) * dy) / length;
+        const double across = std::abs((c.x - a.x) * dy - (c.y - a.y) * dx) / length;
+        inRectangle |= along > margin && along < length - margin && across < hw - margin;
       }
       if (inRectangle || (join == LineJoin::Round && distance < hw - margin)) return 255;
       // Bevels and round joins never reach beyond half the width; miters may.

@@ -5,23 +5,14 @@
 #include <string>
 #include <vector>
 
+#include "style/style_test_helpers.h"
+
 namespace tessaline {
 namespace {
 
 using Names = std::vector<std::string>;
 using A = PresentationAttributes;
-
-// A tag from "name=value|name=value...".
-SVGEvent tag(std::string_view text) {
-  SVGEvent event{EventType::StartTag, "path", {}};
-  while (!text.empty()) {
-    const std::string_view item = text.substr(0, text.find('|'));
-    text.remove_prefix(std::min(item.size() + 1, text.size()));
-    const std::size_t equals = item.find('=');
-    event.attributes.emplace_back(item.substr(0, equals), item.substr(equals + 1));
-  }
-  return event;
-}
+using testing::tag;
 
 using Fields = std::vector<std::optional<std::string>>;
 

@@ -2,10 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <string>
 
-#include "style/size_only_canvas.h"
+#include "style/style_test_helpers.h"
 #include "style/transform_functions.h"
 
 namespace tessaline {

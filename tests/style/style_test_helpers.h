@@ -1,6 +1,11 @@
 #pragma once
 
+#include <algorithm>
+#include <optional>
+#include <string_view>
+
 #include "api/svg_canvas.h"
+#include "parse/svg_event.h"
 
 namespace tessaline::testing {
 
@@ -18,5 +23,17 @@ class SizeOnlyCanvas final : public SVGCanvasProtocol {
  private:
   int width_, height_;
 };
+
+// A start tag from "name=value|name=value...".
+inline SVGEvent tag(std::string_view text) {
+  SVGEvent event{EventType::StartTag, "path", {}};
+  while (!text.empty()) {
+    const std::string_view item = text.substr(0, text.find('|'));
+    text.remove_prefix(std::min(item.size() + 1, text.size()));
+    const std::size_t equals = item.find('=');
+    event.attributes.emplace_back(item.substr(0, equals), item.substr(equals + 1));
+  }
+  return event;
+}
 
 }  // namespace tessaline::testing
