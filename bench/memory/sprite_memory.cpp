@@ -36,17 +36,16 @@ namespace {
 std::atomic<std::size_t> liveBytes{0};
 std::atomic<std::size_t> peakBytes{0};
 
+std::size_t heldBy(void* block) {
+  return block == nullptr ? 0 : malloc_usable_size(block);
+}
+
 void* counted(void* block) {
-  if (block == nullptr) return nullptr;
-  const std::size_t now = liveBytes += malloc_usable_size(block);
+  const std::size_t now = liveBytes += heldBy(block);
   std::size_t peak = peakBytes.load();
   while (now > peak && !peakBytes.compare_exchange_weak(peak, now)) {
   }
   return block;
-}
-
-std::size_t heldBy(void* block) {
-  return block == nullptr ? 0 : malloc_usable_size(block);
 }
 
 }  // namespace

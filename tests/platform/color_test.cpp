@@ -23,14 +23,24 @@ TEST(ColorFromHexString, FollowsThePlatformScanner) {
                  (v & 0xFF) / 255.0};
   };
   const std::pair<const char*, std::uint32_t> cases[] = {
-      {"#FF8000", 0xFF8000FF},  {"ff8000", 0xFF8000FF},  {"#11223344", 0x11223344},
-      {"aAbBcCdD", 0xAABBCCDD}, {"#12zzzz", 0x12},       {"#123456zz", 0x123456},
-      {"0x123456", 0x123456},   {"#0X1234", 0x1234FF},   {"#0xzzzz", 0},
-      {" 1234567", 0x1234567},  {"#\t\n1234", 0x1234FF}, {"#\u00A012345", 0x12345FF},
-      {"#12 345", 0x12},        {"#12345é", 0x12345},    {"#ff0000\u0301", 0xFF0000},
+      {"#FF8000", 0xFF8000FF},
+      {"ff8000", 0xFF8000FF},
+      {"#11223344", 0x11223344},
+      {"aAbBcCdD", 0xAABBCCDD},
+      {"#12zzzz", 0x12},
+      {"#123456zz", 0x123456},
+      {"0x123456", 0x123456},
+      {"#0X1234", 0x1234FF},
+      {"#0xzzzz", 0},
+      {" 1234567", 0x1234567},
+      {"#\t\n1234", 0x1234FF},
+      {"#\u00A012345", 0x12345FF},
+      {"#12 345", 0x12},
+      {"#12345é", 0x12345},
+      {"#ff0000\u0301", 0xFF0000},
+      {"#12345\u1100\u1161", 0x12345},
   };
   for (const auto& [text, v] : cases) EXPECT_EQ(Color::fromHexString(text), colour(v)) << text;
-  EXPECT_EQ(Color::fromHexString("#12345\u1100\u1161"), colour(0x12345));
   for (const char* text : {"", "#fff", "#fffff", "#fffffff", "#fffffffff", "##ffffff", "#gg0000",
                            "-1234567", "#        ", "0x", "123456é", "12345\u00AD\u0301"}) {
     EXPECT_EQ(Color::fromHexString(text), std::nullopt) << text;

@@ -63,18 +63,19 @@ TEST(RasterStroker, CapsJoinsAndClosedSubpaths) {
 TEST(RasterStroker, ExactUTurnsGoRoundTheFront) {
   // Exactly opposite directions give a cross product of +0 or -0; either way the round join
   // must bulge forward, like a round cap, and leave no hole.
-  for (int i = 0; i < 4; ++i) {
-    const bool closed = i >= 2;
-    const double tip = i % 2 ? 10 : 50;
-    SCOPED_TRACE(::testing::Message() << (closed ? "closed" : "open") << " tip " << tip);
-    const CoverageGrid grid = stroked(polyline({{60 - tip, 20}, {tip, 20}, {60 - tip, 20}}, closed),
-                                      {10, 4, kRound, LineJoin::Round});
-    // Open, the path runs over its own stroke twice and its edge pixels count twice.
-    const double edgePixels = closed ? 0 : 2 * 40 + 2 * pi * 5;
-    EXPECT_GE(grid.area(), 400 + pi * 25 - 2 * pi * 5 * kFlatteningTolerance);
-    EXPECT_LE(grid.area(), 400 + pi * 25 + edgePixels / 2);
-    EXPECT_EQ(grid.at(tip > 30 ? 53 : 6, 20), 255);  // inside the rounded tip
-    for (int x = 6; x < 54; ++x) ASSERT_EQ(grid.at(x, 18), 255) << x;
+  for (const bool closed : {false, true}) {
+    for (const double tip : {50.0, 10.0}) {
+      SCOPED_TRACE(::testing::Message() << (closed ? "closed" : "open") << " tip " << tip);
+      const CoverageGrid grid =
+          stroked(polyline({{60 - tip, 20}, {tip, 20}, {60 - tip, 20}}, closed),
+                  {10, 4, kRound, LineJoin::Round});
+      // Open, the path runs over its own stroke twice and its edge pixels count twice.
+      const double edgePixels = closed ? 0 : 2 * 40 + 2 * pi * 5;
+      EXPECT_GE(grid.area(), 400 + pi * 25 - 2 * pi * 5 * kFlatteningTolerance);
+      EXPECT_LE(grid.area(), 400 + pi * 25 + edgePixels / 2);
+      EXPECT_EQ(grid.at(tip > 30 ? 53 : 6, 20), 255);  // inside the rounded tip
+      for (int x = 6; x < 54; ++x) ASSERT_EQ(grid.at(x, 18), 255) << x;
+    }
   }
 }
 
